@@ -1,0 +1,107 @@
+// The state of a world, kept in a directory in the manner of sysfs:
+//
+//   block/sda/{dev,size,image,device/{hctl,vendor,model,state},holders/}
+//   block/dm-0/{dev,size,image,dm/{name,uuid,table,event,active_group},holders/,slaves/}
+//   numbers/8:0 -> ../block/sda        as /sys/dev/block
+//   names/mpatha -> ../block/dm-0      mappings by name
+//   dev/, dev/mapper/                  nodes; see redirect.h
+//   proc/partitions
+//   images/, luns/, faults/, daemon    see the rooms that use them
+//   lock
+//
+// A mapping is found by number or by name without looking at any other. Nodes are not needed to find
+// a mapping: one without the other is a state that real machines are in, too.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "device_number.h"
+#include "mapping_table.h"
+#include "unique_fd.h"
+
+namespace sim {
+
+/// A device-mapper device.
+struct Mapping {
+    unsigned minor = 0;
+    std::string name;
+    std::string uuid;
+    Table table;
+
+    DeviceNumber number() const { return {DeviceMapperMajor, minor}; }
+    std::string kernelName() const { return "dm-" + std::to_string(minor); }
+    bool isMultipathMap() const;
+};
+
+/// Every function throws WorldError when the directory cannot be read or changed. The caller holds
+/// a lock: one for reading around lookups, one for changes around changes.
+class World {
+public:
+    explicit World(std::string directory) : directory_(std::move(directory)) {}
+
+    /// Locks are held until the returned descriptor is closed, or the process ends.
+    UniqueFd lockForReading() const;
+    UniqueFd lockForChanges() const;
+
+    /// The path of something in the world's directory.
+    std::string path(const std::string& relative) const { return directory_ + "/" + relative; }
+    /// A file of a device, for example ("sda", "device/vendor"), without its line end.
+    std::string attribute(const std::string& kernelName, const std::string& file) const;
+    std::string imageOf(const std::string& kernelName) const;
+
+    // ---- devices
+
+    std::optional<std::string> kernelName(DeviceNumber number) const;
+    /// The device that a node stands for; nothing when the path is no device node of this world.
+    std::optional<DeviceNumber> deviceOfNode(const std::string& path) const;
+    bool exists(const std::string& path) const;
+    /// The kernel names of the devices that use this one.
+    std::vector<std::string> holders(const std::string& kernelName) const;
+
+    /// Adds a disk, or a disk's partition, with a node. The image is a path, kept as it is.
+    void addDisk(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors,
+                 const std::string& image);
+
+    // ---- mappings
+
+    std::optional<Mapping> mapping(unsigned minor) const;
+    std::optional<Mapping> mapping(const std::string& name) const;
+    /// All mappings, in byte order of their names.
+    std::vector<Mapping> mappings() const;
+
+    /// True when a process has the device open. Needs the lock for changes.
+    bool isOpen(const Mapping& mapping) const;
+    /// True when a process has the device open, or another device uses it.
+    bool inUse(const Mapping& mapping) const;
+    /// How many times it is open; each device that uses it counts as one.
+    unsigned openCount(const Mapping& mapping) const;
+
+    /// Adds a mapping under the lowest free minor number. It has a node when it has a table.
+    Mapping addMapping(const std::string& name, const std::string& uuid, const Table& table);
+    void setTable(const Mapping& mapping, const Table& table);
+    void rename(const Mapping& mapping, const std::string& name);
+    /// Makes /dev/mapper/NAME when nothing is there; whatever is there stays.
+    void ensureNode(const Mapping& mapping);
+    /// Removes the mapping and its nodes. False, with nothing changed, when it is in use.
+    bool remove(const Mapping& mapping);
+
+private:
+    std::string blockPath(const std::string& kernelName) const { return path("block/" + kernelName); }
+    std::string linkPath(const std::string& name) const;
+    void publish(const std::string& draft, const std::string& kernelName, DeviceNumber number,
+                 std::uint64_t sectors);
+    void createContent(const std::string& image, const Table& table) const;
+    void addPartitionsLine(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors);
+    void removePartitionsLine(const std::string& kernelName);
+
+    std::string directory_;
+};
+
+/// The name of a mapping as its node in /dev/mapper is called: characters that udev does not let
+/// through stand as \xNN.
+std::string nodeName(const std::string& name);
+
+} // namespace sim
