@@ -15,11 +15,12 @@ typedef struct NrPartInfo {
     char devName[1024];  /**< Path of the partition mapping's device node, NUL-terminated, at most
                               1022 characters; empty where no mapping stands for the partition. */
     int32_t sliceMinor;  /**< The partition's number in its table, 1 for the first. */
-    uint64_t start;      /**< First sector on the multipath device, in 512-byte sectors. */
-    uint64_t size;       /**< Length in 512-byte sectors. */
-    uint64_t sectorSize; /**< Bytes in a sector: 512, or 0 where devName is empty. */
-    uint32_t devMajor;   /**< Major number of the node devName. */
-    uint32_t devMinor;   /**< Minor number of the node devName. */
+    uint64_t start;      /**< First sector on the multipath device, in 512-byte sectors; 0 where
+                              devName is empty. */
+    uint64_t size;       /**< Length in 512-byte sectors; 0 where devName is empty. */
+    uint64_t sectorSize; /**< Bytes in a sector: 512, 0 where devName is empty. */
+    uint32_t devMajor;   /**< Major number of the node devName, or 0. */
+    uint32_t devMinor;   /**< Minor number of the node devName, or 0. */
 #ifdef __cplusplus
     /** Every field zero, devName empty. */
     NrPartInfo() : devName(), sliceMinor(), start(), size(), sectorSize(), devMajor(), devMinor() {}

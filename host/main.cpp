@@ -1,0 +1,11 @@
+/* nrmpio: asks about multipath devices and manages them, by way of the plug-in. */
+#include <clocale>
+
+#include "CommandLine.h"
+#include "Output.h"
+
+int main(int argc, char** argv) {
+    reserveStandardDescriptors();
+    std::setlocale(LC_CTYPE, "");
+    return static_cast<int>(runCommandLine(argc, argv));
+}
