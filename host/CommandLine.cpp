@@ -36,8 +36,8 @@ void addOperands(CLI::App& app, Command::Operands operands, Arguments& arguments
     case Command::Operands::none:
         break;
     case Command::Operands::device:
-        add("DEVICE", "Path of the device's node, or a name that device-mapper knows",
-            [&](const std::string& text) { arguments.device = DeviceName(text); });
+        add("DEVICE", "Path of the device's node, or the name of a map or mapping",
+            [&](const std::string& text) { arguments.device = DeviceName(text).asPath(); });
         break;
     case Command::Operands::deviceNumber:
         add("MAJOR", "Major device number",
@@ -66,7 +66,7 @@ void describe(CLI::App& app, Request& request) {
     app.set_version_flag("--version", "nrmpio " NRMPIO_VERSION);
     app.add_option("--plugin", request.plugin, "The plug-in to use; default: the one that belongs to nrmpio")
         ->type_name("PATH");
-    app.add_flag("--trace", request.trace, "Trace each command that the plug-in runs on standard error");
+    app.add_flag("--trace", request.trace, "Tell on standard error each command that the plug-in runs");
     app.require_subcommand(1);
     app.footer("Exit status: 0 success or yes, 1 no, 2 failure, 64 wrong usage.\n\n"
                "Example: nrmpio show");

@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 #include "Diagnosis.h"
@@ -37,8 +38,12 @@ static ExitStatus isMultipath(const Library& library, const Arguments& arguments
 
 static ExitStatus isPartition(const Library& library, const Arguments& arguments) {
     const auto parent = library.partitionParent(*arguments.device);
-    if (!parent)
+    if (!parent) {
         verifyNo(library, *arguments.device);
+        // Of a map or a mapping on one, the paths tell whether dmsetup gives names.
+        if (library.isMultipath(*arguments.device))
+            library.paths(*arguments.device);
+    }
     printLine(parent ? *parent : "no");
     return parent ? ExitStatus::success : ExitStatus::no;
 }
@@ -56,6 +61,10 @@ static ExitStatus partitions(const Library& library, const Arguments& arguments)
     const auto partitions = library.partitions(*arguments.device, arguments.kpartx);
     if (!partitions)
         throw notMultipath(library, *arguments.device);
+    const auto unmapped = [](const NrPartInfo& partition) { return partition.devName[0] == '\0'; };
+    // The library takes a failing dependency list for an empty one; that of the paths fails aloud.
+    if (std::all_of(partitions->begin(), partitions->end(), unmapped))
+        library.paths(*arguments.device);
     using Look = Table::Look;
     Table table{{"NUMBER", Look::right},
                 {"START", Look::right},
@@ -64,7 +73,7 @@ static ExitStatus partitions(const Library& library, const Arguments& arguments)
                 {"NODE", Look::left}};
     for (const NrPartInfo& partition : *partitions) {
         const std::string number = std::to_string(partition.sliceMinor);
-        if (partition.devName[0] == '\0') // Nothing is known of it but the number.
+        if (unmapped(partition)) // Nothing is known of it but the number.
             table.add({number, "-", "-", "-", "-"});
         else
             table.add({number, std::to_string(partition.start), std::to_string(partition.size),

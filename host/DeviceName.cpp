@@ -21,19 +21,26 @@ DeviceName::DeviceName(const std::string& name) : text_(name) {
     if (odd != std::string::npos) {
         const auto byte = static_cast<unsigned char>(name[odd]);
         const bool visible = byte > 0x20 && byte < 0x7f;
-        throw UsageError(visible ? fmt::format("a device name cannot contain {}", name[odd])
-                                 : fmt::format("a device name cannot contain the byte 0x{:02x}", byte));
+        throw UsageError("a device name cannot contain " + (byte == ' ' ? "a blank"
+                                                            : visible
+                                                                ? std::string(1, name[odd])
+                                                                : fmt::format("the byte 0x{:02x}", byte)));
     }
     if (name[0] == '-' || name.find("/-") != std::string::npos)
         throw UsageError(
             "no part of a device name can begin with -: the multipath tools would take it for an option");
 }
 
+DeviceName DeviceName::asPath() const {
+    if (text_.find('/') != std::string::npos)
+        return *this;
+    DeviceName path("/dev/mapper/" + text_);
+    return Node::find(path) ? path : *this;
+}
+
 std::optional<Node> Node::find(const DeviceName& device) {
     struct stat status {};
-    const bool bare = device.text().find('/') == std::string::npos;
-    if (stat(device.c_str(), &status) != 0 &&
-        !(bare && stat(("/dev/mapper/" + device.text()).c_str(), &status) == 0))
+    if (stat(device.c_str(), &status) != 0)
         return std::nullopt;
     return Node{major(status.st_rdev), minor(status.st_rdev)};
 }

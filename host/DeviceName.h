@@ -19,6 +19,9 @@ public:
     const std::string& text() const { return text_; }
     const char* c_str() const { return text_.c_str(); }
 
+    /** The node in /dev/mapper, for the bare name of a mapping that has one; otherwise the same name. */
+    DeviceName asPath() const;
+
     /** The last component of the path. */
     std::string base() const { return text_.substr(text_.rfind('/') + 1); }
 
@@ -31,7 +34,7 @@ struct Node {
     unsigned major;
     unsigned minor;
 
-    /** The node of a path, or of a bare name in /dev/mapper; none when there is no such file. */
+    /** None when there is no such file. */
     static std::optional<Node> find(const DeviceName& device);
 };
 

@@ -92,6 +92,7 @@ std::vector<std::string> Library::maps() const {
     Report report;
     std::vector<std::string> maps;
     const int result = growPaths(32, "the list of maps", maps, [&](char** devices, int* count) {
+        report = {};
         return plugin_.getMPIODevices(nullptr, devices, count, &report.code, report.text.data());
     });
     if (result < 0)
@@ -183,9 +184,11 @@ void Library::deletePartitions(const DeviceName& device) const {
     Report report = attempt();
     // A removal that succeeded when it was repeated leaves the text of its failure, too. Whether
     // something has really stayed is seen at once, or by a second call that finds it again.
-    if (report.code == 0 && !report.silent() && !hasPartitionMapping(device))
+    // A listing that fails in its pipeline leaves no text, but the mappings.
+    const bool stays = hasPartitionMapping(device);
+    if (report.code == 0 && !report.silent() && !stays)
         report = attempt();
-    if (!report.silent())
+    if (stays || !report.silent())
         throw report.failure(fmt::format("cannot remove all partition mappings of {}", device.text()));
 }
 

@@ -86,7 +86,7 @@ private:
     std::int32_t mpMinor;
     std::int32_t maxParts;
     std::int32_t numParts;
-    std::string devPath;
+    std::string devPath; /**< Names the device in a debugger; nothing else needs it. */
     NrPartInfo* parts;
     std::map<Place, NrPartInfo> deps;
 };

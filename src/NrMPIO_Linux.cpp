@@ -324,11 +324,11 @@ int setFailIfNoPathDevice(void*, const char* device, int* errCode, char* errBuf)
 }
 
 /** Waits the whole time, also where signals interrupt sleep(3). */
-static void waitSeconds(unsigned seconds) {
+static void waitSeconds(unsigned duration) {
     using namespace std::chrono;
-    const auto end = steady_clock::now() + std::chrono::seconds(seconds);
-    for (auto left = static_cast<long>(seconds); left > 0 && sleep(static_cast<unsigned>(left)) != 0;)
-        left = static_cast<long>(ceil<std::chrono::seconds>(end - steady_clock::now()).count());
+    const auto end = steady_clock::now() + seconds(duration);
+    for (auto left = static_cast<long>(duration); left > 0 && sleep(static_cast<unsigned>(left)) != 0;)
+        left = static_cast<long>(ceil<seconds>(end - steady_clock::now()).count());
 }
 
 /**

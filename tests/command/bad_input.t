@@ -177,18 +177,10 @@ Devices that do for other commands only:
 
   $ nrmpio-sim -- ./try << 'END'
   > partitions /dev/mapper/mpatha1
-  > partitions mpatha
-  > delete-partitions mpatha
   > fail-if-no-path /dev/mapper/mpatha1
   > END
   --- partitions /dev/mapper/mpatha1
   nrmpio: cannot list the partitions of /dev/mapper/mpatha1 (code -1): GetPartitions called on partition device /dev/mapper/mpatha1 part of mpatha
-  status 2
-  --- partitions mpatha
-  nrmpio: cannot list the partitions of mpatha: No such file or directory (code -2): Failed to get partitions from device mpatha
-  status 2
-  --- delete-partitions mpatha
-  nrmpio: cannot remove all partition mappings of mpatha (code 2): Failed to stat mpatha:2
   status 2
   --- fail-if-no-path /dev/mapper/mpatha1
   nrmpio: cannot switch /dev/mapper/mpatha1 to fail I/O without paths (code 1): device-mapper: message ioctl on mpatha1  failed: Invalid argument; Command failed.

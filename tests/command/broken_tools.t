@@ -130,7 +130,7 @@ The listing holds a warning, which is no map, and a map that has just gone:
   /dev/mapper/mpathz
   status 0
   --- show
-  nrmpio: /dev/mapper/sda: no (usable) path is listed, but a device name cannot contain the byte 0x20
+  nrmpio: /dev/mapper/sda: no (usable) path is listed, but a device name cannot contain a blank
   nrmpio: there is no device /dev/mapper/mpathz
   NAME      TYPE MAJ:MIN SIZE NODE
   mpatha    map    253:0  64M /dev/mapper/mpatha
@@ -138,6 +138,21 @@ The listing holds a warning, which is no map, and a map that has just gone:
   |-sda     path     8:0      /dev/sda
   |-mpatha1 part   253:1   8M /dev/mapper/mpatha1
   `-mpatha2 part   253:2   8M /dev/mapper/mpatha2
+  status 2
+
+What the library takes for a "no" or for nothing is looked at once more:
+
+  $ try "$(fault 'dmsetup info*' 1 'Command failed.\n' '')" <<< 'is-partition /dev/mapper/mpatha1'
+  --- is-partition /dev/mapper/mpatha1
+  nrmpio: cannot list the paths of /dev/mapper/mpatha1 (code 1): Command failed.
+  status 2
+  $ try "$(fault 'dmsetup deps*' 1 'Command failed.\n' '')" <<< 'partitions /dev/mapper/mpatha'
+  --- partitions /dev/mapper/mpatha
+  nrmpio: cannot list the paths of /dev/mapper/mpatha (code 1): Command failed.
+  status 2
+  $ try "$(fault 'dmsetup table' 1 '' '')" <<< 'delete-partitions /dev/mapper/mpatha'
+  --- delete-partitions /dev/mapper/mpatha
+  nrmpio: cannot remove all partition mappings of /dev/mapper/mpatha
   status 2
 
 A removal that fails is told, although the library calls it a success; one that succeeds when it is

@@ -37,7 +37,7 @@ A map is switched from queueing to failing:
 
 The partition mappings of one map go, and only those:
 
-  $ world 'nrmpio delete-partitions /dev/mapper/mpatha'
+  $ world 'nrmpio delete-partitions mpatha'
   status 0
   lin0: 0 32768 linear
   lin1: 0 8192 linear
