@@ -19,10 +19,13 @@ public:
 
     /** As poll(2) takes it: milliseconds, rounded up, or -1 for no end. */
     int pollTimeout() const {
-        if (at_ == Clock::time_point::max())
-            return -1;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(at_ - Clock::now()).count();
-        return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
+        return at_ == Clock::time_point::max() ? -1 : pollTimeout(std::chrono::milliseconds(INT_MAX));
+    }
+
+    /** The same, but no longer than atMost. */
+    int pollTimeout(std::chrono::milliseconds atMost) const {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(at_ - Clock::now());
+        return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), atMost).count());
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <new>
 #include <string>
 
 #include "CLogWriterInterface.h"
@@ -76,6 +77,29 @@ Result run(const char* command) {
     return {status, std::move(shell.out.text), std::move(shell.err.text)};
 }
 
+Result failure(const char* reason) noexcept {
+    Result result;
+    try {
+        complain(result.err, reason);
+    } catch (const std::bad_alloc&) { // the status must do
+    }
+    return result;
+}
+
+/** As run, and whatever goes wrong is a result, too. */
+Result runOrFail(const char* command) {
+    try {
+        reapLeftBehind();
+        if (!command)
+            return failure("no command given");
+        return run(command);
+    } catch (const std::bad_alloc&) {
+        return failure("out of memory");
+    } catch (const std::exception& problem) {
+        return failure(problem.what());
+    }
+}
+
 void trace(const char* command, int status, Deadline::Clock::time_point started) noexcept {
     try {
         if (!g_ptrLogWriter || g_ptrLogWriter->getDebugLevel() < Log::CommandLevel)
@@ -91,15 +115,7 @@ void trace(const char* command, int status, Deadline::Clock::time_point started)
 
 int NrProcess::system(const char* command, std::string* out, std::string* err, int, bool quiet) {
     const auto started = Deadline::Clock::now();
-    Result result;
-    try {
-        reapLeftBehind();
-        if (!command)
-            throwErrno(EINVAL, "no command given");
-        result = run(command);
-    } catch (const std::system_error& failure) {
-        complain(result.err, failure.what());
-    }
+    Result result = runOrFail(command);
     if (!quiet)
         trace(command ? command : "(null)", result.status, started);
     if (out)

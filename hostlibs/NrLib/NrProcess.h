@@ -40,7 +40,7 @@ public:
      * away. The first command that this happens to comes back with NoStatus; from then on commands
      * run under a shell that reports their status.
      *
-     * Throws nothing but std::bad_alloc; the command is killed then.
+     * Throws nothing. Without memory to go on, the command is killed and the result is NoStatus.
      */
     static int system(const char* command, std::string* out, std::string* err, int option, bool quiet);
 

@@ -18,6 +18,9 @@ namespace {
 /** Set when a status was taken away by somebody else's wait; nobody can know before. */
 std::atomic<bool> statusWasTaken{false};
 
+/** How often a process without a descriptor is looked at. */
+constexpr std::chrono::milliseconds LookInterval{20};
+
 std::mutex leftBehindMutex;
 std::vector<pid_t>& leftBehind() {
     static auto* pids = new std::vector<pid_t>; // never destroyed: threads may outlive main
@@ -33,6 +36,12 @@ std::optional<int> waitStatus(const Descriptor& process, pid_t pid) {
         if (errno != EINTR)
             return std::nullopt;
     return info.si_code == CLD_EXITED ? info.si_status : 128 + info.si_status;
+}
+
+/** Whether a child has ended, or is no child any more. */
+bool hasEnded(pid_t pid) {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
 }
 
 /** Whether this kernel can wait for a process by its descriptor (Linux 5.4). */
@@ -96,7 +105,7 @@ void ShellProcess::start(const char* command) {
     outPipe.writeEnd.reset();
     errPipe.writeEnd.reset();
     if (kind_ == Watch::Direct)
-        watch_.end = openProcess(pid_); // without one the command ends when its pipes do
+        watch_.end = openProcess(pid_);
 }
 
 ShellProcess::~ShellProcess() {
@@ -113,7 +122,11 @@ ShellProcess::~ShellProcess() {
 void ShellProcess::wait(const Deadline& deadline) {
     pollfd events[] = {
         {out.end.get(), POLLIN, 0}, {err.end.get(), POLLIN, 0}, {ended_ ? -1 : watch_.end.get(), POLLIN, 0}};
-    if (poll(events, 3, deadline.pollTimeout()) <= 0)
+    const int timeout = unwatched() ? deadline.pollTimeout(LookInterval) : deadline.pollTimeout();
+    const int ready = poll(events, 3, timeout);
+    if (unwatched())
+        ended_ = ended_ || hasEnded(pid_);
+    if (ready <= 0)
         return; // the deadline, or a signal
     if (events[0].revents)
         out.read();

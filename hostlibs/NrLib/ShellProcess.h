@@ -49,7 +49,7 @@ public:
     void wait(const Deadline& deadline);
 
     /** The command has ended; processes that it left in the background may live. */
-    bool ended() const { return ended_ || (!watch_.end.open() && silent()); }
+    bool ended() const { return ended_; }
     /** Nobody is left who could write to standard output or standard error. */
     bool silent() const { return !out.end.open() && !err.end.open(); }
 
@@ -67,10 +67,13 @@ public:
 private:
     void start(const char* command);
     void noteEvent();
+    bool unwatched() const { return kind_ == Watch::Direct && !watch_.end.open(); }
     std::optional<int> reportedStatus() const;
 
     const Watch kind_;
-    Stream watch_; /**< Reported: the status pipe. Direct: the process, readable when it has ended. */
+    /** Reported: the status pipe. Direct: the process, readable when it has ended; or no descriptor
+        was left for it, and the process is looked at from time to time. */
+    Stream watch_;
     pid_t pid_ = -1;
     bool ended_ = false;
     bool reaped_ = false;

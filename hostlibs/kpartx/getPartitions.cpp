@@ -8,12 +8,16 @@
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <string>
 #include <system_error>
 
 namespace {
 
 /** How much of an extended partition the partition mapper maps, in 512-byte sectors. */
 constexpr uint64_t ExtendedSize = 2;
+
+/** The unit of the table reader's numbers and of the records', in bytes. */
+constexpr uint64_t SectorSize = 512;
 
 [[noreturn]] void fail(int error) {
     throw std::system_error(error, std::generic_category());
@@ -67,13 +71,13 @@ Probe makeProbe(const OpenDevice& device, unsigned sectorSize) {
     return probe;
 }
 
-/** The list belongs to the probe; null where there is no table. */
-blkid_partlist readTable(blkid_probe probe) {
+/** @return The kind of table that was found, as libblkid names it; empty where there is none. */
+std::string probeTable(blkid_probe probe) {
     errno = 0;
-    const int found = blkid_do_fullprobe(probe);
-    if (found < 0)
+    if (blkid_do_fullprobe(probe) < 0)
         fail(errno ? errno : EIO);
-    return found == 0 ? blkid_probe_get_partitions(probe) : nullptr;
+    const char* kind = nullptr;
+    return blkid_probe_lookup_value(probe, "PTTYPE", &kind, nullptr) == 0 ? kind : "";
 }
 
 int extendedNumber(blkid_partlist table) {
@@ -96,24 +100,43 @@ slice makeSlice(blkid_partition partition, int extended) {
     return result;
 }
 
-void append(blkid_partlist table, std::list<slice>& slices) {
+/** A table that leads beyond the device was not made for it, or the device has shrunk. */
+void checkFits(blkid_partition partition, uint64_t deviceSize) {
+    const auto start = static_cast<uint64_t>(blkid_partition_get_start(partition));
+    const auto size = static_cast<uint64_t>(blkid_partition_get_size(partition));
+    if (start > deviceSize || size > deviceSize - start)
+        fail(EUCLEAN);
+}
+
+void append(blkid_probe probe, std::list<slice>& slices) {
+    const auto table = blkid_probe_get_partitions(probe);
+    if (!table)
+        fail(errno ? errno : EIO);
     const int extended = extendedNumber(table);
-    for (int i = 0; i < blkid_partlist_numof_partitions(table); ++i)
-        slices.push_back(makeSlice(blkid_partlist_get_partition(table, i), extended));
+    for (int i = 0; i < blkid_partlist_numof_partitions(table); ++i) {
+        const auto partition = blkid_partlist_get_partition(table, i);
+        checkFits(partition, static_cast<uint64_t>(blkid_probe_get_size(probe)) / SectorSize);
+        slices.push_back(makeSlice(partition, extended));
+    }
 }
 
 void read(const char* path, std::list<slice>& slices) {
     const OpenDevice device(path);
     const bool image = device.isImage();
     device.checkReadable();
+    const std::string protectiveOnly = "PMBR";
+    std::string kind;
     // A file cannot tell its sector size; a GPT gives it away by where its header stands.
     for (const unsigned sectorSize : {0U, 4096U}) {
         const Probe probe = makeProbe(device, sectorSize);
-        if (const blkid_partlist table = readTable(probe.get()))
-            append(table, slices);
-        if (!image || !slices.empty())
-            return;
+        kind = probeTable(probe.get());
+        if (!kind.empty() && kind != protectiveOnly)
+            return append(probe.get(), slices);
+        if (!image)
+            break;
     }
+    if (kind == protectiveOnly)
+        fail(EUCLEAN);
 }
 
 } // namespace

@@ -18,13 +18,17 @@
  * Of each record start and size are in 512-byte sectors whatever the device's sector size, start
  * counted from the beginning of the device; minor is the partition's number; container is, for a
  * logical partition, the number of the extended partition, otherwise 0; major is 0. An extended
- * partition has a size of 2 sectors, as the partition mapper maps it. Numbers are the table's even
- * where the table is larger than the device.
+ * partition has a size of 2 sectors, as the partition mapper maps it.
+ *
+ * A table that cannot be trusted is an error and never "no partitions" or a part of them, since a
+ * host may take a disk without partitions for an empty one: a partition that reaches beyond the end
+ * of the device (the disk has shrunk, or the table is another disk's), and a protective entry (type
+ * 0xee in the first sector) without an intact GPT that fits the device.
  *
  * @return The number of partitions, which is the number of records in the list (0 where there is
  *         no partition table), or a negative errno, and the list is empty: -ENOTBLK when the path
- *         is neither a block device nor a regular file, -ENOMEM, otherwise why the device could not
- *         be opened or read.
+ *         is neither a block device nor a regular file, -EUCLEAN for a table that cannot be
+ *         trusted, -ENOMEM, otherwise why the device could not be opened or read.
  *
  * Throws nothing. Calls from several threads may overlap.
  */

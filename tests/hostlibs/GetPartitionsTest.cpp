@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <functional>
 #include <ostream>
@@ -20,12 +21,18 @@ using Records = std::vector<Record>;
 
 constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;
 
-/** What the reader leaves in a list that was not empty, and that its result is the list's length. */
+Records failure(int error) {
+    return {{-error, 0, 0, 0}};
+}
+
+/** What the reader makes of a list that was not empty; its result is the list's length or a failure. */
 Records partitionsOf(const std::string& device) {
     std::list<slice> slices(3, slice{1, 1, 1, 1, 1});
     const int result = getPartitions(device.c_str(), slices);
-    EXPECT_EQ(result, static_cast<int>(slices.size()));
+    EXPECT_EQ(std::max(result, 0), static_cast<int>(slices.size()));
     Records records;
+    if (result < 0)
+        records = failure(-result);
     for (const slice& s : slices) {
         EXPECT_EQ(s.major, 0);
         records.emplace_back(s.minor, s.start, s.size, s.container);
@@ -62,6 +69,21 @@ const char withLogicals[] = "label: dos\n1 : start=2048,size=16384\n2 : start=18
                             "5 : start=20480,size=16384\n6 : start=40960,size=16384\n";
 const Records logicals = {{1, 2048, 16384, 0}, {2, 18432, 2, 0}, {5, 20480, 16384, 2}, {6, 40960, 16384, 2}};
 
+const Records three = {{1, 2048, 16384, 0}, {2, 18432, 16384, 0}, {3, 34816, 32768, 0}};
+
+/** Overwrites parts of a file with rubbish of a sector's length. */
+std::function<void(const std::string&)> damageAt(std::vector<uint64_t> offsets) {
+    return [offsets](const std::string& path) {
+        for (const uint64_t offset : offsets)
+            damage(path, offset, std::string(512, 'x'));
+    };
+}
+
+std::function<void(const std::string&)> resizeTo(uint64_t bytes) {
+    return
+        [bytes](const std::string& path) { EXPECT_EQ(truncate(path.c_str(), static_cast<off_t>(bytes)), 0); };
+}
+
 struct Case {
     const char* name;
     uint64_t bytes;
@@ -79,7 +101,7 @@ const Case cases[] = {
     {"NoTable", 64 * MiB, "", {}},
     {"EmptyFile", 0, "", {}},
     {"LessThanASector", 100, "", {}},
-    {"Gpt", 64 * MiB, threeGpt, {{1, 2048, 16384, 0}, {2, 18432, 16384, 0}, {3, 34816, 32768, 0}}},
+    {"Gpt", 64 * MiB, threeGpt, three},
     {"GptWithGapsInTheNumbers", 64 * MiB, threeWithGap, {{7, 8192, 4096, 0}, {128, 2048, 2048, 0}}},
     {"GptWithoutPartitions", 64 * MiB, "label: gpt\n", {}},
     {"GptOf4096ByteSectors",
@@ -88,29 +110,15 @@ const Case cases[] = {
      {{1, 2048, 2048, 0}, {2, 4096, 8192, 0}},
      [](const std::string&) {},
      4096},
-    {"GptWithDamagedPrimary",
-     64 * MiB,
-     threeGpt,
-     {{1, 2048, 16384, 0}, {2, 18432, 16384, 0}, {3, 34816, 32768, 0}},
-     [](const std::string& path) { damage(path, 512, std::string(512, 'x')); }},
-    {"GptWithDamagedBackup",
-     64 * MiB,
-     threeGpt,
-     {{1, 2048, 16384, 0}, {2, 18432, 16384, 0}, {3, 34816, 32768, 0}},
-     [](const std::string& path) { damage(path, 64 * MiB - 512, std::string(512, 'x')); }},
-    {"GptWithBothDamaged",
-     64 * MiB,
-     threeGpt,
-     {},
-     [](const std::string& path) {
-         damage(path, 512, std::string(512, 'x'));
-         damage(path, 64 * MiB - 512, std::string(512, 'x'));
-     }},
+    {"GptWithDamagedPrimary", 64 * MiB, threeGpt, three, damageAt({512})},
+    {"GptWithDamagedPrimaryEntries", 64 * MiB, threeGpt, three, damageAt({1024})},
+    {"GptWithDamagedBackup", 64 * MiB, threeGpt, three, damageAt({64 * MiB - 512})},
+    {"GptWithBothDamaged", 64 * MiB, threeGpt, failure(EUCLEAN), damageAt({512, 64 * MiB - 512})},
+    {"GptOfAnotherTable", 64 * MiB, threeGpt, {}, damageAt({0})},
+    {"GptOnADiskThatHasGrown", 64 * MiB, threeGpt, three, resizeTo(128 * MiB)},
+    {"GptLargerThanTheDisk", 64 * MiB, threeGpt, failure(EUCLEAN), resizeTo(20 * MiB)},
     // The protective entry and, after it, an entry of the DOS table for the first GPT partition.
-    {"HybridCountsAsGpt",
-     64 * MiB,
-     threeGpt,
-     {{1, 2048, 16384, 0}, {2, 18432, 16384, 0}, {3, 34816, 32768, 0}},
+    {"HybridCountsAsGpt", 64 * MiB, threeGpt, three,
      [](const std::string& path) {
          damage(path, 446 + 16, std::string("\0\0\x02\0\x83\xff\xff\xff\0\x08\0\0\0\x40\0\0", 16));
      }},
@@ -123,16 +131,10 @@ const Case cases[] = {
      64 * MiB,
      "label: dos\n1 : start=20480,size=40960,type=f\n4 : start=2048,size=2048\n5 : start=22528,size=2048\n",
      {{1, 20480, 2, 0}, {4, 2048, 2048, 0}, {5, 22528, 2048, 1}}},
-    {"DosLargerThanTheDisk",
-     64 * MiB,
-     withLogicals,
-     {{1, 2048, 16384, 0}, {2, 18432, 2, 0}, {5, 20480, 16384, 2}},
-     [](const std::string& path) { EXPECT_EQ(truncate(path.c_str(), 15 * MiB), 0); }},
-    {"GptLargerThanTheDisk",
-     64 * MiB,
-     threeGpt,
-     {},
-     [](const std::string& path) { EXPECT_EQ(truncate(path.c_str(), 20 * MiB), 0); }},
+    {"DosAsLargeAsTheDisk", 64 * MiB, withLogicals, logicals, resizeTo(118784 * 512)},
+    {"DosWithLogicalsBeyondTheDisk", 64 * MiB, withLogicals, failure(EUCLEAN), resizeTo(15 * MiB)},
+    {"DosLargerThanTheDisk", 64 * MiB, "label: dos\nstart=2048,size=16384\n", failure(EUCLEAN),
+     resizeTo(18431 * 512)},
     {"BeyondTwoTiB",
      6 * MiB* MiB,
      "label: gpt\nstart=2048,size=6442450944\nstart=6442452992,size=8\n",
@@ -156,19 +158,21 @@ TEST_P(Table, IsReadFromAnImage) {
 TEST(GetPartitions, ReadsABlockDeviceOfAnySectorSize) {
     const struct {
         const char* script;
-        unsigned sectorSize;
+        unsigned tableSectorSize, sectorSize; // bytes
         Records expected;
     } devices[] = {
-        {withLogicals, 512, logicals},
+        {withLogicals, 512, 512, logicals},
         {"label: dos\n1 : start=256,size=256\n2 : start=512,size=8192,type=5\n5 : start=768,size=256\n",
          4096,
+         4096,
          {{1, 2048, 2048, 0}, {2, 4096, 2, 0}, {5, 6144, 2048, 2}}},
-        {"label: gpt\nstart=256,size=256\n", 4096, {{1, 2048, 2048, 0}}},
+        {"label: gpt\nstart=256,size=256\n", 4096, 4096, {{1, 2048, 2048, 0}}},
+        {"label: gpt\nstart=256,size=256\n", 4096, 512, failure(EUCLEAN)},
     };
     for (const auto& d : devices) {
         const TemporaryDirectory directory;
         const std::string image = directory.file("disk"), name = directory.file("name");
-        makeImage(image, 64 * MiB, d.script, d.sectorSize);
+        makeImage(image, 64 * MiB, d.script, d.tableSectorSize);
         const std::string attach = std::string("PATH=$PATH:/usr/sbin:/sbin losetup --show -f -b ") +
                                    std::to_string(d.sectorSize) + " '" + image + "' >'" + name +
                                    "' 2>/dev/null";

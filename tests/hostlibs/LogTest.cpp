@@ -83,17 +83,22 @@ protected:
 
 struct Record {
     int thread = -1;
+    time_t time = -1;
     std::string rest; ///< tag and text
 };
 
 /** Takes a line apart; no thread where it does not begin as a record does. */
 Record parse(const std::string& line) {
     Record record;
-    int year, month, day, hour, minute, second, millisecond, length = 0;
-    sscanf(line.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%3dZ [%d] %n", &year, &month, &day, &hour, &minute, &second,
-           &millisecond, &record.thread, &length);
+    tm utc{};
+    int millisecond, length = 0;
+    sscanf(line.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%3dZ [%d] %n", &utc.tm_year, &utc.tm_mon, &utc.tm_mday,
+           &utc.tm_hour, &utc.tm_min, &utc.tm_sec, &millisecond, &record.thread, &length);
     if (length == 0)
         record.thread = -1;
+    utc.tm_year -= 1900;
+    utc.tm_mon -= 1;
+    record.time = timegm(&utc);
     record.rest = line.substr(static_cast<size_t>(length));
     return record;
 }
@@ -118,6 +123,9 @@ TEST_F(LogTest, RecordIsOneLineWhateverItHolds) {
         {std::string(512, 'e'), std::string(512, 'e')},
         {large, large},
     };
+    setenv("TZ", "EAST-7", 1);
+    tzset();
+    const time_t start = time(nullptr);
     for (const auto& c : cases)
         debug("tag", "%s", c.text.c_str());
     debug("two\nlines", "%d:%s", -6, "x");
@@ -128,6 +136,8 @@ TEST_F(LogTest, RecordIsOneLineWhateverItHolds) {
         EXPECT_EQ(tagAndText(written[i]), "tag: " + cases[i].written);
     EXPECT_EQ(tagAndText(written[std::size(cases)]), "two\\nlines: -6:x");
     EXPECT_EQ(tagAndText(written.back()), "?: x");
+    EXPECT_GE(parse(written[0]).time, start - 1); // time(2) is not as exact
+    EXPECT_LE(parse(written[0]).time, time(nullptr));
 }
 
 TEST_F(LogTest, LevelDecidesAndIsTheHostsWritersWhereThereIsOne) {
@@ -161,16 +171,21 @@ TEST_F(LogTest, LinesOfManyThreadsStayWhole) {
             for (int i = 0; i < Records; ++i)
                 debug("thread", "%d.%d<%s>", t, i, filling(i).c_str());
         });
+    for (int i = 0; i < 300; ++i)
+        EXPECT_EQ(Log::toFile(path_), 0);
     for (auto& thread : threads)
         thread.join();
     std::set<std::pair<int, int>> seen;
+    std::set<int> threadNumbers;
     for (const auto& line : lines()) {
         const Record record = parse(line);
         int thread = -1, number = -1, length = 0;
         sscanf(record.rest.c_str(), "thread: %d.%d<%n", &thread, &number, &length);
         EXPECT_EQ(record.rest.substr(static_cast<size_t>(length)), filling(number) + ">");
         seen.emplace(thread, number);
+        threadNumbers.insert(record.thread);
     }
+    EXPECT_EQ(threadNumbers.size(), static_cast<size_t>(Threads));
     EXPECT_EQ(seen.size(), static_cast<size_t>(Threads * Records));
 }
 
@@ -236,6 +251,8 @@ TEST_F(LogTest, NoFailureReachesTheCaller) {
     g_ptrLogWriter = boost::make_shared<OwnWriter>(9);
     EXPECT_TRUE(survives("%m %d", 0)); // the errno that the caller sees is also the one written
 
+    EXPECT_EQ(Log::toFile("/dev/full"), 0);
+    EXPECT_TRUE(survives("%s", "lost"));
     Log::toStandardError();
     for (const int target : {broken[1], full}) {
         dup2(target, STDERR_FILENO);

@@ -1,9 +1,12 @@
 #include "NrProcess.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,8 +14,12 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cstdarg>
+#include <cstdlib>
 #include <functional>
+#include <new>
 #include <optional>
+#include <set>
 #include <thread>
 
 #include <boost/make_shared.hpp>
@@ -24,6 +31,59 @@
 
 using namespace std::string_literals;
 using Clock = std::chrono::steady_clock;
+
+/** What goes wrong in the calling thread, where no machine can be made to have it. */
+namespace fault {
+thread_local int allocationsUntilFailure = -1; // never
+thread_local bool shellIsMissing = false;
+thread_local bool signalsGetLost = false; // as with a process in an uninterruptible sleep
+thread_local bool processDescriptorsLack = false;
+thread_local time_t dayTimeLeap = 0; // seconds that the time of day goes forward at each look
+} // namespace fault
+
+#pragma GCC visibility push(default)
+extern "C" int posix_spawn(pid_t* pid, const char* path, const posix_spawn_file_actions_t* actions,
+                           const posix_spawnattr_t* attributes, char* const* arguments,
+                           char* const* environment) {
+    static const auto real = reinterpret_cast<decltype(&posix_spawn)>(dlsym(RTLD_NEXT, "posix_spawn"));
+    return real(pid, fault::shellIsMissing ? "/no/such/sh" : path, actions, attributes, arguments,
+                environment);
+}
+extern "C" long syscall(long number, ...) noexcept {
+    static const auto real = reinterpret_cast<decltype(&syscall)>(dlsym(RTLD_NEXT, "syscall"));
+    va_list list;
+    va_start(list, number);
+    long arguments[6];
+    for (long& argument : arguments)
+        argument = va_arg(list, long);
+    va_end(list);
+    if (number == SYS_pidfd_open && fault::processDescriptorsLack) {
+        errno = EMFILE;
+        return -1;
+    }
+    return real(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4], arguments[5]);
+}
+extern "C" int kill(pid_t pid, int number) noexcept {
+    return fault::signalsGetLost ? 0 : static_cast<int>(syscall(SYS_kill, pid, number));
+}
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    static std::atomic<time_t> leapt{0};
+    const int result = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
+    if (clock == CLOCK_REALTIME)
+        time->tv_sec += leapt += fault::dayTimeLeap;
+    return result;
+}
+__attribute__((noinline)) void* operator new(size_t bytes) {
+    void* memory = fault::allocationsUntilFailure-- == 0 ? nullptr : malloc(bytes);
+    return memory ? memory : throw std::bad_alloc();
+}
+__attribute__((noinline)) void operator delete(void* memory) noexcept {
+    free(memory);
+}
+__attribute__((noinline)) void operator delete(void* memory, size_t) noexcept {
+    free(memory);
+}
+#pragma GCC visibility pop
 
 namespace {
 
@@ -54,6 +114,18 @@ bool isGone(int pid) {
         if (stat.empty() || stat.find(") Z ") != std::string::npos)
             return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return false;
+}
+
+/** Whether every child ends and is reaped, by this or a later call of the runner. */
+bool childrenAreReaped() {
+    siginfo_t info;
+    for (int tries = 0; tries < 500; ++tries) {
+        if (waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0)
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        run("");
     }
     return false;
 }
@@ -141,8 +213,8 @@ TEST_P(OnHost, GivesStatusAndTextsAsAPlainShellDoes) {
         {"ulimit -c 0; kill -SEGV $$", 139, "", ""},
         {"sh -c 'kill -TERM $$'; exit 9", 9, "", "Terminated\n"},
         {"kill -TERM 0", 143, "", ""},
-        {"no-such-tool -l", 127, "", "sh: 1: no-such-tool: not found\n"},
-        {"-l", 127, "", "sh: 1: -l: not found\n"},
+        {"PATH=/usr/bin:/bin no-such-tool -l", 127, "", "sh: 1: no-such-tool: not found\n"},
+        {"PATH=/usr/bin:/bin -l", 127, "", "sh: 1: -l: not found\n"},
         {"echo 'open", 2, "", "sh: 1: Syntax error: Unterminated quoted string\n"},
         {"echo a) ; (echo b", 2, "", "sh: 1: Syntax error: \")\" unexpected\n"},
     };
@@ -163,13 +235,17 @@ TEST_P(OnHost, LargeOutputOnBothPipesAtOnceIsComplete) {
 }
 
 TEST_P(OnHost, BackgroundProcessThatHoldsThePipesDoesNotHoldTheCaller) {
-    const auto start = Clock::now();
-    const auto silent = run("sleep 60 & echo $!; exit 5");
-    EXPECT_EQ(silent.status, 5);
-    EXPECT_EQ(run("sh -c 'while :; do echo flood; done' & exit 6").status, 6);
-    EXPECT_LT(secondsSince(start), 20);
-    ASSERT_NE(silent.out, "");
-    kill(std::stoi(silent.out), SIGKILL);
+    for (const bool lack : {false, true}) {
+        fault::processDescriptorsLack = lack;
+        const auto start = Clock::now();
+        const auto silent = run("sleep 60 & echo $!; exit 5");
+        EXPECT_EQ(silent.status, 5);
+        EXPECT_EQ(run("sh -c 'while :; do echo flood; done' & exit 6").status, 6);
+        EXPECT_LT(secondsSince(start), 20);
+        fault::processDescriptorsLack = false;
+        ASSERT_NE(silent.out, "");
+        kill(std::stoi(silent.out), SIGKILL);
+    }
 }
 
 TEST_P(OnHost, ClosedStandardDescriptorsDoNotMatter) {
@@ -200,6 +276,9 @@ TEST_P(OnHost, TimeLimitEndsTheCommandAndSaysSo) {
         {"obeys TERM", "echo first; sleep 60", "first\n", 1.9},
         {"turns TERM into success", "trap 'exit 0' TERM; sleep 60 & wait", "", 1.9},
         {"ignores TERM", "trap '' TERM; echo first; while :; do sleep 0.1; done", "first\n", 8},
+        {"leaves a child that cleans up",
+         "sh -c 'trap \"sleep 0.4; echo cleaned; exit\" TERM; while :; do sleep 0.1; done' & wait",
+         "cleaned\n", 1.9},
         {"writes without end", "yes >/dev/stderr", "", 1.9},
     };
     NrProcess::setTimeLimit(300);
@@ -213,21 +292,81 @@ TEST_P(OnHost, TimeLimitEndsTheCommandAndSaysSo) {
             << c.name;
     }
     NrProcess::setTimeLimit(60000);
-    EXPECT_EQ(run("exit 3").status, 3);
+    fault::dayTimeLeap = 3600;
+    EXPECT_EQ(run("sleep 0.1; exit 3").status, 3) << "time is not monotonic";
+    fault::dayTimeLeap = 0;
 }
 
-TEST_P(OnHost, TimeLimitReachesTheGroupAndIsNotHeldByWhoLeftIt) {
+TEST_P(OnHost, TimeLimitReleasesTheCallerFromWhateverCannotBeEnded) {
     NrProcess::setTimeLimit(300);
-    const auto stubborn = run("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 0.1; done'");
-    ASSERT_NE(stubborn.out, "");
-    EXPECT_TRUE(isGone(std::stoi(stubborn.out)));
-
+    Outcome stubborn, escaped, immortal;
     const auto start = Clock::now();
-    const auto escaped = run("setsid sh -c 'echo $$; exec sleep 60'");
-    EXPECT_EQ(escaped.status, NrProcess::TimeLimitReached);
+    std::thread threads[] = {
+        std::thread([&] { stubborn = run("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 0.1; done'"); }),
+        std::thread([&] { escaped = run("setsid sh -c 'echo $$; exec sleep 60'"); }), std::thread([&] {
+            fault::signalsGetLost = true;
+            immortal = run("echo $$; exec sleep 60");
+        })};
+    for (auto& thread : threads)
+        thread.join();
     EXPECT_LT(secondsSince(start), 8);
-    ASSERT_NE(escaped.out, "");
+
+    for (const Outcome* outcome : {&stubborn, &escaped, &immortal}) {
+        EXPECT_EQ(outcome->status, NrProcess::TimeLimitReached);
+        ASSERT_NE(outcome->out, "");
+    }
+    EXPECT_TRUE(isGone(std::stoi(stubborn.out)));
     kill(std::stoi(escaped.out), SIGKILL);
+    EXPECT_EQ(immortal.err, "time limit of 300 ms reached: command cannot be killed and was left behind\n");
+    EXPECT_EQ(kill(std::stoi(immortal.out), SIGKILL), 0);
+    EXPECT_TRUE(childrenAreReaped());
+}
+
+/** Each allocation in turn is the one that fails. */
+TEST_P(OnHost, LackOfMemoryIsANamedFailureAndKillsTheCommand) {
+    const TemporaryDirectory directory;
+    const std::string command =
+        "head -c 100000 /dev/zero; sleep 0.5; echo finished >>" + directory.file("log");
+    int failures = 0;
+    for (int status = -1; status != 0; ++failures) {
+        std::string out = "left", err = "left";
+        fault::allocationsUntilFailure = failures;
+        status = NrProcess::system(command.c_str(), &out, &err, 0, true);
+        fault::allocationsUntilFailure = -1;
+        EXPECT_EQ(out.size(), status == 0 ? 100000U : 0U);
+        EXPECT_EQ(err, status == 0 ? "" : "out of memory\n");
+        ASSERT_EQ(status, status == 0 ? 0 : NrProcess::NoStatus);
+        EXPECT_TRUE(childrenAreReaped());
+    }
+    EXPECT_GE(failures, 6);
+    EXPECT_EQ(linesOf(directory.file("log")).size(), 1U);
+}
+
+/** They would keep the command's pipes open in what the host starts meanwhile. */
+TEST_P(OnHost, HostsOwnChildrenInheritNoDescriptorOfTheRunners) {
+    constexpr int Most = 200;
+    int taken[4]; // the low numbers, as in most hosts
+    for (int& fd : taken)
+        fd = dup(STDIN_FILENO);
+    std::vector<int> free;
+    for (int fd = 0; fd < Most; ++fd)
+        if (fcntl(fd, F_GETFD) < 0)
+            free.push_back(fd);
+    std::atomic<bool> finished{false};
+    std::thread runner([&] {
+        run("sleep 0.2");
+        finished = true;
+    });
+    std::set<int> closed, inherited;
+    while (!finished)
+        for (const int fd : free)
+            if (const int flags = fcntl(fd, F_GETFD); flags >= 0)
+                (flags & FD_CLOEXEC ? closed : inherited).insert(fd);
+    runner.join();
+    for (const int fd : taken)
+        close(fd);
+    EXPECT_GE(closed.size(), 3U);
+    EXPECT_EQ(inherited, std::set<int>());
 }
 
 TEST_P(OnHost, CommandSeesNothingOfTheHostsState) {
@@ -299,7 +438,7 @@ TEST(Runner, EnvironmentIsTheHostsWithPathAndLocale) {
     setenv("PATH", before.c_str(), 1);
 }
 
-TEST(Runner, IntervalTimerWithoutRestartLosesNothing) {
+TEST_P(OnHost, IntervalTimerWithoutRestartLosesNothing) {
     struct sigaction action {
     }, actionBefore;
     action.sa_handler = ignore;
@@ -307,7 +446,7 @@ TEST(Runner, IntervalTimerWithoutRestartLosesNothing) {
     const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
     const itimerval off{};
     setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
-    for (int i = 0; i < 30; ++i) {
+    for (int i = 0; i < 20; ++i) {
         const auto result = run("head -c 300000 /dev/zero; sleep 0.01; exit 3");
         EXPECT_EQ(result.status, 3);
         EXPECT_EQ(result.out.size(), 300000U);
@@ -361,9 +500,26 @@ TEST(Runner, WhatCannotBeStartedIsAFailureWithItsReason) {
     EXPECT_EQ(tooLong.out, "");
     EXPECT_EQ(tooLong.err, "cannot start /bin/sh: Argument list too long\n");
 
+    fault::shellIsMissing = true;
+    const auto noShell = run("true");
+    fault::shellIsMissing = false;
+    EXPECT_EQ(noShell.status, NrProcess::NoStatus);
+    EXPECT_EQ(noShell.err, "cannot start /bin/sh: No such file or directory\n");
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they need memory themselves
+    rlimit before;
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit nothing{1, before.rlim_max};
+    setrlimit(RLIMIT_AS, &nothing);
+    const auto noMemory = run("true");
+    setrlimit(RLIMIT_AS, &before);
+    EXPECT_EQ(noMemory.status, NrProcess::NoStatus);
+    EXPECT_EQ(noMemory.err, "cannot start /bin/sh: Cannot allocate memory\n");
+#endif
+
     std::string err;
     EXPECT_EQ(NrProcess::system(nullptr, nullptr, &err, 0, false), NrProcess::NoStatus);
-    EXPECT_NE(err, "");
+    EXPECT_EQ(err, "no command given\n");
     EXPECT_EQ(NrProcess::system("echo x; echo y >&2; exit 2", nullptr, nullptr, 0, true), 2);
 }
 
@@ -419,14 +575,19 @@ TEST(Runner, TracesACommandThatIsNotQuietFromLevelThreeOn) {
             if (own)
                 g_ptrLogWriter = boost::make_shared<FixedLevel>(c.level);
             std::string err;
-            NrProcess::system("echo '%s'\nexit 3\n", nullptr, &err, 0, c.quiet);
+            NrProcess::system("echo '%s'\nsleep 0.05; exit 3\n", nullptr, &err, 0, c.quiet);
             g_ptrLogWriter = writer;
             Log::toStandardError();
             const auto lines = linesOf(directory.file("log"));
             ASSERT_EQ(lines.size(), c.records) << c.level << c.quiet << own;
             for (const auto& line : lines) {
-                EXPECT_NE(line.find(" NrProcess::system: status 3 after "), std::string::npos) << line;
-                EXPECT_NE(line.find(" ms: echo '%s'\\nexit 3\\n"), std::string::npos) << line;
+                int duration = -1, length = 0; // milliseconds
+                const size_t tag = line.find(" NrProcess::system: ");
+                ASSERT_NE(tag, std::string::npos) << line;
+                sscanf(&line[tag], " NrProcess::system: status 3 after %d ms: %n", &duration, &length);
+                EXPECT_TRUE(duration >= 50 && duration < 5000) << line;
+                EXPECT_EQ(line.substr(tag + static_cast<size_t>(length)),
+                          "echo '%s'\\nsleep 0.05; exit 3\\n");
             }
         }
     Log::setLevel(Log::DefaultLevel);
