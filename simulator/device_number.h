@@ -18,6 +18,10 @@ struct DeviceNumber {
     std::string text() const { return std::to_string(major) + ":" + std::to_string(minor); }
 };
 
+inline bool operator<(DeviceNumber a, DeviceNumber b) {
+    return a.major != b.major ? a.major < b.major : a.minor < b.minor;
+}
+
 inline bool operator==(DeviceNumber a, DeviceNumber b) {
     return a.major == b.major && a.minor == b.minor;
 }

@@ -6,7 +6,9 @@
 
 #include <unistd.h>
 
+#include "daemon.h"
 #include "logical_units.h"
+#include "map_service.h"
 #include "text_file.h"
 #include "tools.h"
 
@@ -31,8 +33,9 @@ struct OptionForm {
 };
 
 constexpr OptionForm OptionForms[] = {
-    {"major", 'j', true},   {"minor", 'm', true},   {"columns", 'c', false}, {"noheadings", '\0', false},
-    {"options", 'o', true}, {"target", '\0', true}, {"table", '\0', true},   {"notable", 'n', false},
+    {"major", 'j', true},        {"minor", 'm', true},    {"columns", 'c', false},
+    {"noheadings", '\0', false}, {"options", 'o', true},  {"target", '\0', true},
+    {"table", '\0', true},       {"notable", 'n', false}, {"tree", '\0', false},
 };
 
 const OptionForm& optionForm(const std::string& argument) {
@@ -154,7 +157,9 @@ std::vector<std::string> statusLines(const World& world, const Options&, const M
     for (Target target : mapping.table) {
         const auto map = Multipath::parse(target);
         target.arguments.clear();
-        lines.push_back(target.text() + (map ? map->statusText(activeGroup(world, mapping)) : "") + "\n");
+        lines.push_back(
+            target.text() +
+            (map ? map->statusText(activeGroup(world, mapping), pathStates(world, mapping)) : "") + "\n");
     }
     return lines.empty() ? std::vector<std::string>{"\n"} : lines;
 }
@@ -237,10 +242,34 @@ int deps(World& world, const Options& options) {
     return report(world, options, depsLines);
 }
 
+/// A device and what lies beneath it; `indent` is what the lines beneath begin with.
+void printTree(const World& world, DeviceNumber device, const std::string& indent) {
+    const auto mapping = device.major == DeviceMapperMajor ? world.mapping(device.minor) : std::nullopt;
+    out("%s (%s)\n", mapping ? mapping->name.c_str() : "", device.text().c_str());
+    auto devices = mapping ? devicesOf(mapping->table) : std::vector<DeviceNumber>{};
+    std::reverse(devices.begin(), devices.end());
+    for (const DeviceNumber below : devices) {
+        const bool last = below == devices.back();
+        out("%s%s", indent.c_str(), last ? "`-" : "|-");
+        printTree(world, below, indent + (last ? "   " : "|  "));
+    }
+}
+
+int tree(const World& world, const Options& options) {
+    if (options.has("target"))
+        throw NotSimulated("a tree of one target");
+    for (const Mapping& mapping : listed(world, options))
+        if (world.holders(mapping.kernelName()).empty())
+            printTree(world, mapping.number(), " ");
+    return 0;
+}
+
 int ls(World& world, const Options& options) {
-    requireOnly(options, {"target"});
+    requireOnly(options, {"target", "tree"});
     if (!options.operands.empty())
         throw NotSimulated("ls with a device");
+    if (options.has("tree"))
+        return tree(world, options);
     const char* separator = options.has("target") ? ", " : ":";
     for (const Mapping& mapping : listed(world, options))
         out("%s\t(%u%s%u)\n", mapping.name.c_str(), DeviceMapperMajor, separator, mapping.minor);
@@ -290,7 +319,8 @@ std::string field(const World& world, const Mapping& mapping, const std::string&
         return std::to_string(mapping.table.size());
     if (option == "events")
         return world.attribute(mapping.kernelName(), "dm/event");
-    return mapping.table.empty() ? "--" : "L--w";
+    return std::string(mapping.table.empty() ? "-" : "L") + "-" + (isSuspended(world, mapping) ? "s" : "-") +
+           "w";
 }
 
 void printColumns(const World& world, const Options& options, const std::vector<Mapping>& mappings) {
@@ -331,7 +361,8 @@ void printColumns(const World& world, const Options& options, const std::vector<
 
 void printLong(const World& world, const Mapping& mapping) {
     out("Name:              %s\n", mapping.name.c_str());
-    out("State:             ACTIVE\nRead Ahead:        256\n");
+    out("State:             %s\nRead Ahead:        256\n",
+        isSuspended(world, mapping) ? "SUSPENDED" : "ACTIVE");
     out("Tables present:    %s\n", mapping.table.empty() ? "None" : "LIVE");
     out("Open count:        %u\n", world.openCount(mapping));
     out("Event number:      %s\n", world.attribute(mapping.kernelName(), "dm/event").c_str());
@@ -370,10 +401,26 @@ int info(World& world, const Options& options) {
 
 // ---- changes
 
-bool isPathMessage(const std::string& message) {
-    const std::string word = message.substr(0, message.find(' '));
-    const auto known = {"fail_path", "reinstate_path", "disable_group", "enable_group", "switch_group"};
-    return std::find(known.begin(), known.end(), word) != known.end();
+/// A message to a multipath target. False when the target does not understand it; see the kernel's
+/// Documentation/admin-guide/device-mapper/ and dmsetup(8).
+bool deliver(World& world, const Mapping& map, const std::string& text) {
+    const std::vector<std::string> parts = words(text);
+    const std::string verb = parts.empty() ? "" : parts.front();
+    if (parts.size() == 1 && (verb == "queue_if_no_path" || verb == "fail_if_no_path")) {
+        setQueueIfNoPath(world, map, verb == "queue_if_no_path");
+        if (verb == "fail_if_no_path")
+            planRestoring(world, map);
+        return true;
+    }
+    if (verb == "disable_group" || verb == "enable_group" || verb == "switch_group")
+        throw NotSimulated("messages about path groups");
+    const auto path = parts.size() == 2 ? parseDeviceNumber(parts[1]) : std::nullopt;
+    const auto paths = devicesOf(map.table);
+    if ((verb != "fail_path" && verb != "reinstate_path") || !path ||
+        std::find(paths.begin(), paths.end(), *path) == paths.end())
+        return false;
+    setPathFailed(world, map, *path, verb == "fail_path");
+    return true;
 }
 
 int message(World& world, const Options& options) {
@@ -389,11 +436,20 @@ int message(World& world, const Options& options) {
     if (!mapping)
         return ioctlFailed("message", *wanted, NoSuchDevice);
     const bool multipath = !mapping->table.empty() && mapping->table.front().type == "multipath";
-    if (multipath && isPathMessage(text))
-        throw NotSimulated("messages about single paths");
-    if (!multipath || (text != "queue_if_no_path" && text != "fail_if_no_path"))
-        return ioctlFailed("message", *wanted, InvalidArgument);
-    setQueueIfNoPath(world, *mapping, text == "queue_if_no_path");
+    return multipath && deliver(world, *mapping, text) ? 0 : ioctlFailed("message", *wanted, InvalidArgument);
+}
+
+int suspendOrResume(World& world, const Options& options) {
+    requireOnly(options, {"major", "minor"});
+    if (!namesOneDevice(options))
+        throw NotSimulated(options.command + " without a device");
+    const auto wanted = wantedDevice(world, options);
+    if (!wanted)
+        return commandFailed();
+    const auto mapping = find(world, *wanted);
+    if (!mapping)
+        return ioctlFailed(options.command, *wanted, NoSuchDevice);
+    setSuspended(world, *mapping, options.command == "suspend");
     return 0;
 }
 
@@ -448,6 +504,9 @@ int create(World& world, const Options& options) {
     if (!options.has("notable"))
         table = loadable(world, options.values.at("table"));
     world.addMapping(options.operands[0], "", table);
+    for (const DeviceNumber device : devicesOf(table)) // udev looks for what is on the new device
+        if (const auto below = device.major == DeviceMapperMajor ? world.mapping(device.minor) : std::nullopt)
+            noteUse(world, *below);
     return 0;
 }
 
@@ -474,10 +533,18 @@ struct Command {
 };
 
 constexpr Command Commands[] = {
-    {"table", table, 1, false},    {"status", status, 1, false}, {"deps", deps, 1, false},
-    {"ls", ls, 0, false},          {"info", info, 1, false},     {"version", version, 0, false},
-    {"message", message, 3, true}, {"remove", remove, 1, true},  {"create", create, 1, true},
+    {"table", table, 1, false},
+    {"status", status, 1, false},
+    {"deps", deps, 1, false},
+    {"ls", ls, 0, false},
+    {"info", info, 1, false},
+    {"version", version, 0, false},
+    {"message", message, 3, true},
+    {"remove", remove, 1, true},
+    {"create", create, 1, true},
     {"rename", rename, 2, true},
+    {"suspend", suspendOrResume, 1, true},
+    {"resume", suspendOrResume, 1, true},
 };
 
 } // namespace

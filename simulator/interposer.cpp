@@ -9,14 +9,13 @@
 
 #include "redirect.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -25,34 +24,17 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "next_function.h"
+
 #define INTERPOSED extern "C" __attribute__((visibility("default")))
 
 static_assert(sizeof(struct stat) == sizeof(struct stat64), "the plain and the 64-bit records must agree");
 
+using sim::Next;
+
 namespace {
 
 constexpr unsigned DeviceMapperMajor = 253;
-
-/// The C library's own function of a name, or that of a library between.
-template <typename Function>
-class Next {
-public:
-    constexpr explicit Next(const char* name) : name_(name) {}
-
-    template <typename... Arguments>
-    auto operator()(Arguments... arguments) {
-        Function* function = found_.load(std::memory_order_relaxed);
-        if (function == nullptr) {
-            function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name_));
-            found_.store(function, std::memory_order_relaxed);
-        }
-        return function(arguments...);
-    }
-
-private:
-    const char* name_;
-    std::atomic<Function*> found_{nullptr};
-};
 
 /// The place of a path: in the world, or the path itself.
 class Place {
@@ -114,10 +96,22 @@ mode_t modeOf(const struct statx& status) {
     return status.stx_mode;
 }
 
+template <typename Stat>
+void belongToRoot(Stat& status) {
+    status.st_uid = status.st_gid = 0;
+}
+void belongToRoot(struct statx& status) {
+    status.stx_uid = status.stx_gid = 0;
+}
+
 /// Turns the status of a node's text file into that of the node. Passes the result through.
 template <typename Stat>
 int asNode(int result, const Place& place, Stat* status) {
-    if (result != 0 || !place.inWorld() || !S_ISREG(modeOf(*status)))
+    if (result != 0 || !place.inWorld())
+        return result;
+    if (S_ISLNK(modeOf(*status)))
+        belongToRoot(*status); // whoever runs the world
+    if (!S_ISREG(modeOf(*status)))
         return result;
     const KeepErrno keep;
     const sim::Node node = sim::readNode(place.path());
@@ -146,7 +140,16 @@ int failWith(int error) {
     return -1;
 }
 
+/// True when the caller is one that must not open devices, by the world or for this process only.
+bool isUnprivileged() {
+    sim::PathBuffer mark;
+    std::snprintf(mark, sizeof mark, "%s/unprivileged", sim::worldDirectory());
+    return getenv("NRMPIO_SIM_UNPRIVILEGED") != nullptr || syscall(SYS_faccessat, AT_FDCWD, mark, F_OK) == 0;
+}
+
 int openDevice(const sim::Node& node, int flags) {
+    if (isUnprivileged())
+        return failWith(EACCES);
     sim::PathBuffer content;
     const int length = std::snprintf(content, sizeof content, "%s/numbers/%u:%u/image", sim::worldDirectory(),
                                      node.major, node.minor);

@@ -1,7 +1,10 @@
 // kpartx: list, map and unmap the partitions of a disk or a map (-l, -a, -d). See kpartx(8).
 #include <cstdio>
 
+#include <unistd.h>
+
 #include "logical_units.h"
+#include "map_service.h"
 #include "partition_mappings.h"
 #include "text_file.h"
 #include "tools.h"
@@ -96,6 +99,22 @@ int list(World& world, const WholeDevice& whole, const Options& options) {
     return 0;
 }
 
+/// Waits, without the lock, for as long as reads of the device wait.
+Service serviceOnceDecided(const World& world, const WholeDevice& whole, UniqueFd& lock) {
+    while (whole.number.major == DeviceMapperMajor) {
+        const auto map = world.mapping(whole.number.minor);
+        const Service now = map ? service(world, *map) : Service::fails;
+        if (now != Service::waits)
+            return now;
+        lock = UniqueFd();
+        ::usleep(50'000);
+        if (!world.isThere())
+            return now;
+        lock = world.lockForChanges();
+    }
+    return Service::works;
+}
+
 int add(World& world, const WholeDevice& whole, const Options& options) {
     for (const Partition& partition : partitionsOf(world, whole)) {
         const Mapping mapping = mapPartition(world, whole, partition, mappingName(whole, options, partition));
@@ -130,7 +149,7 @@ int kpartx(World& world, const Arguments& arguments) {
     }
     if (options.action == '\0' || !options.device)
         throw NotSimulated("this form of kpartx");
-    const UniqueFd lock = world.lockForChanges();
+    UniqueFd lock = world.lockForChanges();
     if (!world.exists(*options.device)) {
         out("failed to stat() %s\n", options.device->c_str());
         return Failed;
@@ -139,9 +158,21 @@ int kpartx(World& world, const Arguments& arguments) {
     const auto whole = number ? wholeDevice(world, *number) : std::nullopt;
     if (!whole)
         throw NotSimulated("something that is no disk");
+    if (options.action == 'd')
+        return remove(world, *whole, options);
+    switch (serviceOnceDecided(world, *whole, lock)) {
+    case Service::works:
+        break;
+    case Service::fails:
+        for (const unsigned sector : {0, 1, 1, 29, 0, 0, 0}) // where partition tables are looked for
+            err("read error, sector %u\n", sector);
+        return 0;
+    case Service::waits:
+        return Failed; // the world has ended
+    }
     if (options.action == 'l')
         return list(world, *whole, options);
-    return options.action == 'a' ? add(world, *whole, options) : remove(world, *whole, options);
+    return add(world, *whole, options);
 }
 
 } // namespace sim

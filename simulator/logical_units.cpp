@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "daemon.h"
+#include "map_service.h"
 #include "text_file.h"
 
 namespace sim {
@@ -19,10 +21,6 @@ LogicalUnit readUnit(const World& world, const std::string& number) {
             words(readFile(directory + "paths").value_or(""))};
 }
 
-std::string groupFile(const World& world, const Mapping& map) {
-    return world.path("block/" + map.kernelName() + "/dm/active_group");
-}
-
 } // namespace
 
 void addLogicalUnit(World& world, unsigned number, const LogicalUnit& unit) {
@@ -31,11 +29,11 @@ void addLogicalUnit(World& world, unsigned number, const LogicalUnit& unit) {
     std::string paths;
     for (const std::string& path : unit.paths)
         paths += path + "\n";
-    writeFile(directory + "/alias", unit.alias + "\n");
-    writeFile(directory + "/wwid", unit.wwid + "\n");
-    writeFile(directory + "/grouping", unit.multibus ? "multibus\n" : "failover\n");
-    writeFile(directory + "/no_path", unit.queueIfNoPath ? "queue\n" : "fail\n");
-    writeFile(directory + "/paths", paths);
+    createFile(directory + "/alias", unit.alias + "\n");
+    createFile(directory + "/wwid", unit.wwid + "\n");
+    createFile(directory + "/grouping", unit.multibus ? "multibus\n" : "failover\n");
+    createFile(directory + "/no_path", unit.queueIfNoPath ? "queue\n" : "fail\n");
+    createFile(directory + "/paths", paths);
 }
 
 std::vector<LogicalUnit> logicalUnits(const World& world) {
@@ -49,18 +47,32 @@ std::vector<LogicalUnit> logicalUnits(const World& world) {
     return units;
 }
 
-bool isMapped(const World& world, const LogicalUnit& unit) {
-    return std::any_of(unit.paths.begin(), unit.paths.end(),
-                       [&](const std::string& path) { return !world.holders(path).empty(); });
+std::optional<Mapping> mapOf(const World& world, const LogicalUnit& unit) {
+    auto named = world.mapping(unit.alias);
+    if (named && named->uuid == "mpath-" + unit.wwid)
+        return named;
+    for (const std::string& path : unit.paths)
+        for (const std::string& holder : world.holders(path))
+            if (const auto number = parseDeviceNumber(world.attribute(holder, "dev")))
+                return world.mapping(number->minor);
+    return std::nullopt;
+}
+
+std::vector<std::string> presentPaths(const World& world, const LogicalUnit& unit) {
+    std::vector<std::string> present;
+    for (const std::string& path : unit.paths)
+        if (!world.attribute(path, "dev").empty())
+            present.push_back(path);
+    return present;
 }
 
 Multipath configuredMap(const World& world, const LogicalUnit& unit) {
     Multipath map;
     map.queueIfNoPath = unit.queueIfNoPath;
-    for (const std::string& path : unit.paths) {
+    for (const std::string& path : presentPaths(world, unit)) {
         const auto number = parseDeviceNumber(world.attribute(path, "dev"));
         if (!number)
-            throw WorldError(path + ": no such disk");
+            throw WorldError(path + ": a disk without a number");
         if (map.groups.empty() || !unit.multibus)
             map.groups.emplace_back();
         map.groups.back().push_back(*number);
@@ -69,7 +81,8 @@ Multipath configuredMap(const World& world, const LogicalUnit& unit) {
 }
 
 std::uint64_t sectorsOf(const World& world, const LogicalUnit& unit) {
-    return parseNumber(world.attribute(unit.paths.front(), "size")).value_or(0);
+    const auto present = presentPaths(world, unit);
+    return present.empty() ? 0 : parseNumber(world.attribute(present.front(), "size")).value_or(0);
 }
 
 Mapping createMap(World& world, const LogicalUnit& unit) {
@@ -83,27 +96,6 @@ Mapping createMap(World& world, const LogicalUnit& unit) {
     else
         writeFile(world.path("block/" + created.kernelName() + "/dm/event"), "1\n");
     return created;
-}
-
-void setQueueIfNoPath(World& world, const Mapping& map, bool queue) {
-    auto arguments = Multipath::parse(map.table.front());
-    if (!arguments)
-        throw WorldError(map.name + ": not a multipath table");
-    arguments->queueIfNoPath = queue;
-    world.setTable(map, {arguments->target(map.table.front().length)});
-}
-
-bool daemonRuns(const World& world) {
-    return readLine(world.path("daemon")) == "1";
-}
-
-unsigned activeGroup(const World& world, const Mapping& map) {
-    return static_cast<unsigned>(parseNumber(readLine(groupFile(world, map))).value_or(0));
-}
-
-void noteUse(World& world, const Mapping& map) {
-    if (map.isMultipathMap() && activeGroup(world, map) == 0)
-        writeFile(groupFile(world, map), "1\n");
 }
 
 } // namespace sim

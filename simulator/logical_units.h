@@ -24,10 +24,13 @@ void addLogicalUnit(World& world, unsigned number, const LogicalUnit& unit);
 /// In the order of their numbers.
 std::vector<LogicalUnit> logicalUnits(const World& world);
 
-/// True when a mapping holds the unit's paths, under whatever name.
-bool isMapped(const World& world, const LogicalUnit& unit);
+/// The unit's map, under whatever name; nothing when there is none.
+std::optional<Mapping> mapOf(const World& world, const LogicalUnit& unit);
 
-/// The map as the multipath tool configures it.
+/// The paths whose disks are there, in the unit's order.
+std::vector<std::string> presentPaths(const World& world, const LogicalUnit& unit);
+
+/// The map as the multipath tool configures it, with the paths that are there.
 Multipath configuredMap(const World& world, const LogicalUnit& unit);
 
 std::uint64_t sectorsOf(const World& world, const LogicalUnit& unit);
@@ -35,15 +38,5 @@ std::uint64_t sectorsOf(const World& world, const LogicalUnit& unit);
 /// Creates the map. Without the daemon the tool does not leave a map queueing, and its second thoughts
 /// count as an event; the daemon checks the paths at once.
 Mapping createMap(World& world, const LogicalUnit& unit);
-
-/// The message "queue_if_no_path" or "fail_if_no_path".
-void setQueueIfNoPath(World& world, const Mapping& map, bool queue);
-
-bool daemonRuns(const World& world);
-
-/// The path group that served the map's last input or output; 0: none yet.
-unsigned activeGroup(const World& world, const Mapping& map);
-/// Tells the world that the map's content has been read.
-void noteUse(World& world, const Mapping& map);
 
 } // namespace sim

@@ -162,14 +162,17 @@ std::string Multipath::loadText(std::uint64_t length) const {
     return text;
 }
 
-std::string Multipath::statusText(unsigned activeGroup) const {
+std::string Multipath::statusText(unsigned activeGroup, const PathStates& states) const {
     std::string text = "2 0 0 0 " + numberText(groups.size()) + " " + numberText(nextGroup) + " ";
     unsigned number = 0;
     for (const auto& group : groups) {
         text += ++number == activeGroup ? "A" : "E";
         text += " 0 " + numberText(group.size()) + " 2 ";
-        for (const DeviceNumber path : group)
-            text += path.text() + " A 0 0 1 ";
+        for (const DeviceNumber path : group) {
+            const auto known = states.find(path);
+            const PathState state = known != states.end() ? known->second : PathState{};
+            text += path.text() + (state.failed ? " F " : " A ") + numberText(state.failures) + " 0 1 ";
+        }
     }
     return text;
 }

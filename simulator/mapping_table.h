@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,14 @@ std::vector<DeviceNumber> devicesOf(const Table& table);
 
 Target linearTarget(std::uint64_t start, std::uint64_t length, DeviceNumber device, std::uint64_t offset);
 
+/// A path as its map sees it, which can differ from what the path's disk says.
+struct PathState {
+    bool failed = false;
+    unsigned failures = 0;
+};
+/// A path that is not in it is active and never failed.
+using PathStates = std::map<DeviceNumber, PathState>;
+
 /// The arguments of a multipath target.
 struct Multipath {
     bool queueIfNoPath = false;
@@ -51,7 +60,7 @@ struct Multipath {
     /// As the multipath tool hands it to the kernel.
     std::string loadText(std::uint64_t length) const;
     /// As `dmsetup status` prints the arguments, with the group in use (0: none yet) marked "A".
-    std::string statusText(unsigned activeGroup) const;
+    std::string statusText(unsigned activeGroup, const PathStates& states) const;
 };
 
 /// The non-empty parts between separators.

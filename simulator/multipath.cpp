@@ -1,9 +1,10 @@
 // multipath: list maps (-l, -ll), create what is missing, flush (-f, -F). See multipath(8).
 #include <cctype>
 #include <cstdio>
-#include <ctime>
 
+#include "daemon.h"
 #include "logical_units.h"
+#include "map_service.h"
 #include "multipath_topology.h"
 #include "partition_mappings.h"
 #include "text_file.h"
@@ -47,13 +48,6 @@ Options parse(const Arguments& arguments) {
     return options;
 }
 
-/// A line on standard error, led by the machine's uptime as every line of the real tool.
-void log(const std::string& text) {
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    err("%ld.%06ld | %s\n", static_cast<long>(now.tv_sec), now.tv_nsec / 1000, text.c_str());
-}
-
 void warnAboutDaemon(const World& world, const Options& options) {
     if (options.verbosity >= 2 && !daemonRuns(world))
         log("Warning: multipath devices exist, but multipathd service is not running");
@@ -88,21 +82,50 @@ Topology topology(const World& world, const Mapping& map, bool probe) {
     result.sectors = sectorsOf(map.table);
     result.queueIfNoPath = arguments->queueIfNoPath;
     result.access = "rw";
+    result.product = "##,##"; // unless a path tells
+    const PathStates states = pathStates(world, map);
+    unsigned place = 0;
     for (const auto& group : arguments->groups) {
         PathGroup& drawn = result.groups.emplace_back();
-        drawn.priority = probe ? 1 : 0;
-        drawn.state = result.groups.size() == activeGroup(world, map) ? "active" : "enabled";
+        drawn.state = ++place == activeGroup(world, map) ? "active" : "enabled";
+        bool ready = false;
         for (const DeviceNumber number : group) {
             const auto disk = world.kernelName(number);
             if (!disk)
-                throw NotSimulated("a map with a path that is gone");
+                continue;
             PathLine& line = drawn.paths.emplace_back(pathLine(world, *disk));
-            line.kernelState = "active";
-            line.checkerState = probe ? "ready" : "undef";
+            const auto state = states.find(number);
+            line.kernelState = state != states.end() && state->second.failed ? "failed" : "active";
+            line.checkerState = !probe ? "undef" : answers(world, number) ? "ready" : "faulty";
+            ready |= probe && answers(world, number);
             result.product = product(world, *disk);
         }
+        drawn.priority = ready ? 1 : 0;
+        if (drawn.paths.empty())
+            result.groups.pop_back();
     }
     return result;
+}
+
+/// Complains of the paths whose disks are gone.
+void logMissingPaths(const World& world, const Mapping& map) {
+    const auto arguments = Multipath::parse(map.table.front());
+    unsigned place = 0;
+    for (const auto& group : arguments ? arguments->groups : decltype(arguments->groups){}) {
+        bool empty = true;
+        for (const DeviceNumber path : group) {
+            if (world.kernelName(path)) {
+                empty = false;
+                continue;
+            }
+            log("get_udev_device: failed to look up " + path.text() + " with type 1");
+            log(map.name + ": discarding non-existing path " + path.text());
+        }
+        if (empty)
+            log(map.name + ": removing empty pathgroup " + std::to_string(place));
+        else
+            ++place;
+    }
 }
 
 /// What a device argument of a listing leads to.
@@ -143,7 +166,7 @@ Search search(const World& world, const std::string& device) {
     return {map, true};
 }
 
-int list(const World& world, const Options& options) {
+int list(World& world, const Options& options) {
     std::vector<Mapping> maps;
     if (options.device) {
         const Search found = search(world, *options.device);
@@ -158,6 +181,12 @@ int list(const World& world, const Options& options) {
     }
     if (maps.empty() || options.verbosity == 0)
         return 0;
+    if (options.verbosity >= 2)
+        for (Mapping& map : maps) {
+            settle(world, map);
+            map = world.mapping(map.minor).value_or(map);
+            logMissingPaths(world, map);
+        }
     warnAboutDaemon(world, options);
     for (const Mapping& map : maps)
         out("%s", options.verbosity == 1 ? (map.name + "\n").c_str()
@@ -173,7 +202,7 @@ Topology plan(const World& world, const LogicalUnit& unit, const Multipath& map)
     result.alias = unit.alias;
     result.wwid = unit.wwid;
     result.device = result.access = "undef";
-    result.product = product(world, unit.paths.front());
+    result.product = product(world, presentPaths(world, unit).front());
     result.sectors = sectorsOf(world, unit);
     result.queueIfNoPath = map.queueIfNoPath && daemonRuns(world);
     for (const auto& group : map.groups) {
@@ -190,11 +219,13 @@ void create(World& world, const Options& options, const LogicalUnit& unit) {
         throw NotSimulated("an alias that another mapping has");
     const Multipath map = configuredMap(world, unit);
     if (options.verbosity >= 2) {
-        for (const std::string& path : unit.paths)
+        for (const std::string& path : presentPaths(world, unit))
             log(path + ": setting scsi timeouts is unsupported for protocol scsi:unspec");
         log(unit.alias + ": addmap [" + map.loadText(sectorsOf(world, unit)) + "]");
     }
-    createMap(world, unit);
+    const Mapping created = createMap(world, unit);
+    if (readFile(world.path("udev_partitions")))
+        mapPartitions(world, created, "-part");
     if (options.verbosity >= 2)
         out("%s", plan(world, unit, map).text().c_str());
 }
@@ -203,7 +234,12 @@ int createMissing(World& world, const Options& options) {
     if (options.device)
         throw NotSimulated("creating a single map");
     for (const LogicalUnit& unit : logicalUnits(world)) {
-        if (isMapped(world, unit))
+        if (const auto map = mapOf(world, unit)) {
+            if (options.verbosity >= 2)
+                logMissingPaths(world, *map);
+            continue;
+        }
+        if (presentPaths(world, unit).empty())
             continue;
         if (options.dryRun || options.verbosity == 1)
             throw NotSimulated("creating a map with -d or -v1");
@@ -224,19 +260,9 @@ int inUse(const Options& options, const Mapping& mapping) {
     return Failed;
 }
 
-/// Removes a map and the partition mappings on it; nothing when one of them is in use.
 int flushMap(World& world, const Options& options, const Mapping& map) {
-    const auto whole = wholeDevice(world, map.number());
-    const auto partitions = partitionMappings(world, *whole);
-    for (const Mapping& partition : partitions)
-        if (world.inUse(partition))
-            return inUse(options, partition);
-    if (world.isOpen(map) || world.holders(map.kernelName()).size() > partitions.size())
-        return inUse(options, map);
-    for (const Mapping& partition : partitions)
-        if (!world.remove(partition))
-            return inUse(options, partition);
-    return world.remove(map) ? 0 : inUse(options, map);
+    const auto used = removeWithPartitions(world, map);
+    return used ? inUse(options, *used) : 0;
 }
 
 void logMissing(const std::string& name) {
@@ -292,11 +318,9 @@ int multipath(World& world, const Arguments& arguments) {
     if (options.dryRun + options.flush + options.flushAll > 1 ||
         (options.listing > 0 && (options.flush || options.flushAll)))
         throw NotSimulated("several actions at once");
-    if (options.listing > 0) {
-        const UniqueFd lock = world.lockForReading();
-        return list(world, options);
-    }
     const UniqueFd lock = world.lockForChanges();
+    if (options.listing > 0)
+        return list(world, options);
     if (options.flushAll)
         return flushAll(world, options);
     return options.flush ? flush(world, options) : createMissing(world, options);

@@ -36,16 +36,21 @@ constexpr char Help[] =
     R"(Runs a command in a world of its own, in which a multipath stack seems to exist.
 
 Usage: nrmpio-sim [--scenario FILE] [--keep DIR] [--] COMMAND [ARGUMENT...]
+       nrmpio-sim --state DIR [--] COMMAND [ARGUMENT...]
+       nrmpio-sim --check FILE
        nrmpio-sim --list
 
 Options:
   -s, --scenario FILE  the world as this TOML file describes it, or a built-in one by its name
   -k, --keep DIR       make the world in DIR, which must be new or empty, and leave it there
+  -t, --state DIR      go on in the world that --keep left in DIR
+  -c, --check FILE     tell whether the scenario is right; a mistake is told with line and key
   -l, --list           list the built-in scenarios
   -h, --help           this text
 
 In the world, multipath, dmsetup and kpartx work on simulated disks, whose nodes are in /dev and
-/dev/mapper and whose content can be read and written. Nothing outside changes, no privilege is
+/dev/mapper and whose content can be read and written; simctl does to them what happens to
+hardware (paths fail, go and come back). Nothing outside changes, no privilege is
 needed, and the world is gone when the command ends.
 
 Examples:
@@ -63,11 +68,13 @@ Exit status: that of the command, 128 + n when signal n ended it, 127 when it co
 
 constexpr char Hint[] =
     "You are in a simulated multipath world; exit leaves it. Try: multipath -ll, dmsetup table,\n"
-    "ls -l /dev/mapper, kpartx -d /dev/mapper/mpatha, multipath -f mpatha, multipath\n";
+    "ls -l /dev/mapper, kpartx -d /dev/mapper/mpatha, multipath -f mpatha, multipath, simctl\n";
 
 struct Options {
     std::string scenario = "default";
     std::optional<std::string> keep;
+    std::optional<std::string> state;
+    std::optional<std::string> check;
     bool list = false;
     bool help = false;
     std::vector<std::string> command;
@@ -77,17 +84,25 @@ struct Options {
 std::optional<Options> parse(int count, char** values) {
     const option forms[] = {{"scenario", required_argument, nullptr, 's'},
                             {"keep", required_argument, nullptr, 'k'},
+                            {"state", required_argument, nullptr, 't'},
+                            {"check", required_argument, nullptr, 'c'},
                             {"list", no_argument, nullptr, 'l'},
                             {"help", no_argument, nullptr, 'h'},
                             {nullptr, 0, nullptr, 0}};
     Options options;
-    for (int letter; (letter = ::getopt_long(count, values, "+s:k:lh", forms, nullptr)) != -1;) {
+    for (int letter; (letter = ::getopt_long(count, values, "+s:k:t:c:lh", forms, nullptr)) != -1;) {
         switch (letter) {
         case 's':
             options.scenario = optarg;
             break;
         case 'k':
             options.keep = optarg;
+            break;
+        case 't':
+            options.state = optarg;
+            break;
+        case 'c':
+            options.check = optarg;
             break;
         case 'l':
             options.list = true;
@@ -100,8 +115,13 @@ std::optional<Options> parse(int count, char** values) {
         }
     }
     options.command.assign(values + optind, values + count);
-    if (options.command.empty() && !options.list && !options.help) {
+    if (options.command.empty() && !options.list && !options.help && !options.check) {
         std::cerr << "nrmpio-sim: which command shall run in the world?\n";
+        return std::nullopt;
+    }
+    if (options.state && (options.keep || options.scenario != Options().scenario)) {
+        std::cerr
+            << "nrmpio-sim: --state goes on in a world that is there, so it takes no --scenario or --keep\n";
         return std::nullopt;
     }
     return options;
@@ -132,8 +152,11 @@ Scenario loadScenario(const std::string& name) {
 /// A directory that is gone when the program ends, unless it shall be kept.
 class WorldDirectory {
 public:
-    explicit WorldDirectory(const std::optional<std::string>& keep) : kept_(keep.has_value()) {
-        if (kept_)
+    WorldDirectory(const std::optional<std::string>& keep, const std::optional<std::string>& state)
+        : kept_(keep || state) {
+        if (state)
+            useEarlier(*state);
+        else if (keep)
             useEmpty(*keep);
         else
             makePrivate();
@@ -154,6 +177,12 @@ private:
         fs::create_directories(directory);
         if (!fs::is_empty(directory))
             throw WorldError(directory + ": not empty; name a new directory to keep the world in");
+        path_ = fs::canonical(directory);
+    }
+    void useEarlier(const std::string& directory) {
+        for (const char* part : {"lock", "block", "names"})
+            if (!fs::exists(fs::path(directory) / part))
+                throw WorldError(directory + ": no world of nrmpio-sim; make one with --keep");
         path_ = fs::canonical(directory);
     }
     /// In $TMPDIR; without one in memory, where making thousands of small files takes no time.
@@ -203,23 +232,68 @@ bool isInteractiveShell(const std::vector<std::string>& command) {
            (name == "sh" || name == "dash" || name == "bash" || name == "zsh" || name == "fish");
 }
 
+/// A signal came while the world was made.
+struct Interrupted {
+    int signal;
+};
+
+/// The prompt of a shell says where one is, whatever the shell's own settings make of it.
+void markPrompt() {
+    ::setenv("PS1", ("(simulated) " + variable("PS1", "$ ")).c_str(), 1);
+    const std::string mark = "case $PS1 in '(simulated) '*) ;; *) PS1=\"(simulated) $PS1\";; esac";
+    const std::string own = variable("PROMPT_COMMAND");
+    ::setenv("PROMPT_COMMAND", (own.empty() ? mark : own + "; " + mark).c_str(), 1);
+}
+
+void makeWorld(const Scenario& scenario, const WorldDirectory& world, const fs::path& tool,
+               const HeldSignals& signals) {
+    buildWorld(scenario, world.path(), tool.string(), [&signals] {
+        if (const int signal = signals.pending())
+            throw Interrupted{signal};
+    });
+}
+
+/// The tools of an earlier world, which another build may have made.
+void relinkTools(const std::string& world, const fs::path& tool) {
+    for (const std::string& name : listDirectory(world + "/bin"))
+        makeLink(tool.string(), world + "/bin/" + name);
+}
+
 int runInWorld(const Options& options) {
     const HeldSignals signals;
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
     const fs::path directory = privateDirectory(program);
-    const Scenario scenario = loadScenario(options.scenario);
-    const WorldDirectory world(options.keep);
-    buildWorld(scenario, world.path(), (directory / Tool).string());
+    const Scenario scenario = options.state ? Scenario() : loadScenario(options.scenario);
+    const WorldDirectory world(options.keep, options.state);
+    if (options.state)
+        relinkTools(world.path(), directory / Tool);
+    else
+        makeWorld(scenario, world, directory / Tool, signals);
     if (const int signal = signals.pending())
         return 128 + signal;
-    if (isInteractiveShell(options.command))
+    if (isInteractiveShell(options.command)) {
         std::cerr << Hint;
+        markPrompt();
+    }
     std::string error;
     const int status =
         signals.run(options.command, worldEnvironment(world.path(), program, directory / Preload), error);
     if (!error.empty())
         std::cerr << "nrmpio-sim: " << error << "\n";
     return status;
+}
+
+/// Makes the world and takes it away: what a disk or a table cannot be shows only then.
+int check(const std::string& file) {
+    const HeldSignals signals;
+    const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
+    const Scenario scenario = loadScenario(file);
+    const WorldDirectory world(std::nullopt, std::nullopt);
+    makeWorld(scenario, world, privateDirectory(program) / Tool, signals);
+    std::cout << file << ": no mistake; " << scenario.luns.size() << " units, " << scenario.disks.size()
+              << " other disks, " << scenario.linears.size() << " linear devices, "
+              << scenario.faults.size() + scenario.deviceFaults.size() << " faults.\n";
+    return 0;
 }
 
 int run(int count, char** values) {
@@ -230,6 +304,8 @@ int run(int count, char** values) {
     }
     if (options->help)
         std::cout << Help;
+    else if (options->check)
+        return check(*options->check);
     else if (options->list)
         for (const BuiltinScenario& builtin : BuiltinScenarios)
             std::cout << builtin.name << "  " << builtin.title << "\n";
@@ -244,6 +320,8 @@ int run(int count, char** values) {
 int main(int count, char** values) {
     try {
         return sim::run(count, values);
+    } catch (const sim::Interrupted& interrupted) {
+        return 128 + interrupted.signal;
     } catch (const sim::ScenarioError& error) {
         std::cerr << "nrmpio-sim: " << error.what() << "\n";
         return sim::WrongScenario;

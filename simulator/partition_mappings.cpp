@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "map_service.h"
 #include "text_file.h"
 
 namespace sim {
@@ -48,6 +49,19 @@ std::vector<Mapping> partitionMappings(const World& world, const WholeDevice& wh
     return partitions;
 }
 
+std::optional<Mapping> removeWithPartitions(World& world, const Mapping& map) {
+    const auto partitions = partitionMappings(world, *wholeDevice(world, map.number()));
+    for (const Mapping& partition : partitions)
+        if (world.inUse(partition))
+            return partition;
+    if (world.isOpen(map) || world.holders(map.kernelName()).size() > partitions.size())
+        return map;
+    for (const Mapping& partition : partitions)
+        if (!world.remove(partition)) // opened meanwhile
+            return partition;
+    return world.remove(map) ? std::nullopt : std::optional<Mapping>(map);
+}
+
 std::vector<Partition> mappablePartitions(const World& world, const WholeDevice& whole) {
     std::vector<Partition> partitions = readPartitionTable(world.imageOf(whole.kernelName));
     for (Partition& partition : partitions)
@@ -75,6 +89,13 @@ Mapping mapPartition(World& world, const WholeDevice& whole, const Partition& pa
     const Mapping mapping{old->minor, name, uuid, table};
     world.ensureNode(mapping);
     return mapping;
+}
+
+void mapPartitions(World& world, const Mapping& map, const std::string& delimiter) {
+    const auto whole = wholeDevice(world, map.number());
+    for (const Partition& partition : mappablePartitions(world, *whole))
+        mapPartition(world, *whole, partition, map.name + delimiter + std::to_string(partition.number));
+    noteUse(world, map);
 }
 
 std::string defaultDelimiter(const std::string& name) {

@@ -22,6 +22,10 @@ std::optional<WholeDevice> wholeDevice(const World& world, DeviceNumber number);
 /// The partition mappings on the device, in byte order of their names.
 std::vector<Mapping> partitionMappings(const World& world, const WholeDevice& whole);
 
+/// Removes a map and the partition mappings on it. Nothing is removed when one of them is in use; that
+/// one is the result.
+std::optional<Mapping> removeWithPartitions(World& world, const Mapping& map);
+
 /// The partitions as the mapper lays them out: an extended partition has 2 sectors.
 std::vector<Partition> mappablePartitions(const World& world, const WholeDevice& whole);
 
@@ -32,5 +36,8 @@ Mapping mapPartition(World& world, const WholeDevice& whole, const Partition& pa
 
 /// Between a device's name and a partition's number: "p" after a digit, otherwise nothing.
 std::string defaultDelimiter(const std::string& name);
+
+/// Maps all partitions of a map, as the distribution's udev rules and people do.
+void mapPartitions(World& world, const Mapping& map, const std::string& delimiter);
 
 } // namespace sim

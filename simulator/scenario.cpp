@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::uint64_t LargestDisk = std::uint64_t{1} << 43; // bytes: 8T
 constexpr unsigned MostPaths = 64;
+constexpr unsigned MostUnits = 4096;
 constexpr size_t LongestName = 127; // of a mapping, as device-mapper has it
 
 /// One table of the file. Hands out its values and knows which keys nobody asked for.
@@ -78,6 +79,18 @@ public:
         return *value;
     }
 
+    /// One of the texts; the first when the key is not there.
+    std::string choice(const std::string& key, const std::vector<std::string>& texts) {
+        const std::string value = text(key, texts.front());
+        std::string all;
+        for (size_t i = 0; i < texts.size(); ++i)
+            if (!texts[i].empty())
+                all += (all.empty() ? "\"" : i + 1 < texts.size() ? "\", \"" : "\" or \"") + texts[i];
+        if (std::find(texts.begin(), texts.end(), value) == texts.end())
+            fail(key, "must be " + all + "\".");
+        return value;
+    }
+
     /// A size such as "64M", in sectors.
     std::uint64_t size(const std::string& key) {
         const std::string value = text(key, "64M");
@@ -90,8 +103,10 @@ public:
 
     /// A name as a mapping can have it.
     std::string mappingName(const std::string& key, const std::string& value) {
-        if (value.empty() || value.size() > LongestName || value.find_first_of("/\n") != value.npos ||
-            value == "." || value == "..")
+        const bool printable =
+            std::all_of(value.begin(), value.end(), [](unsigned char c) { return c >= 32 && c != 127; });
+        if (value.empty() || value.size() > LongestName || value.find('/') != value.npos || !printable ||
+            value == "." || value == ".." || value == "control")
             fail(key, "must be a name of 1 to 127 characters without a \"/\".");
         return value;
     }
@@ -116,11 +131,18 @@ public:
 
     Scenario read() {
         scenario_.daemon = root_.flag("daemon", false);
+        if (root_.find("restore_after") != nullptr)
+            scenario_.restoreAfter = static_cast<unsigned>(root_.number("restore_after", 0, 86400));
+        scenario_.deviceMapper = root_.flag("device_mapper", true);
+        scenario_.privileged = root_.flag("privileged", true);
+        scenario_.udevPartitions = root_.flag("udev_partitions", false);
+        readMissingTools();
         root_.text("title");
         each("disk", [this](Section& section) { readDisk(section); });
-        each("lun", [this](Section& section) { readLun(section); });
+        each("lun", [this](Section& section) { readLuns(section); });
         each("linear", [this](Section& section) { readLinear(section); });
         each("fault", [this](Section& section) { readFault(section); });
+        each("device", [this](Section& section) { readDeviceFault(section); });
         root_.rejectUnknownKeys();
         namePaths();
         return std::move(scenario_);
@@ -138,6 +160,19 @@ private:
             Section section(*element.as_table(), key, file_);
             readSection(section);
             section.rejectUnknownKeys();
+        }
+    }
+
+    void readMissingTools() {
+        const toml::node* node = root_.find("missing_tools");
+        const toml::array* names = node != nullptr ? node->as_array() : nullptr;
+        if (node != nullptr && names == nullptr)
+            root_.fail("missing_tools", "must be a list of tools in brackets.");
+        for (size_t i = 0; names != nullptr && i < names->size(); ++i) {
+            const std::string tool = (*names)[i].value_or(std::string());
+            if (tool != "multipath" && tool != "dmsetup" && tool != "kpartx")
+                root_.fail("missing_tools", "must name multipath, dmsetup or kpartx.");
+            scenario_.missingTools.push_back(tool);
         }
     }
 
@@ -160,6 +195,19 @@ private:
             {name, section.size("size"), section.text("table"), section.origin("table")});
     }
 
+    /// A section stands for one unit, or for `count` equal ones with names and disks given one after the
+    /// other.
+    void readLuns(Section& section) {
+        const auto count = section.number("count", 1, MostUnits);
+        for (const char* key : {"alias", "wwid"})
+            if (count != 1 && section.find(key) != nullptr)
+                section.fail(key, "cannot be given to several units.");
+        if (count == 0)
+            section.fail("count", "must be at least 1.");
+        for (std::uint64_t i = 0; i < count; ++i)
+            readLun(section);
+    }
+
     void readLun(Section& section) {
         const auto position = scenario_.luns.size();
         Scenario::Lun lun;
@@ -170,10 +218,7 @@ private:
             section.fail("wwid", "must be a text without blanks and \"/\".");
         claim(wwids_, section, "wwid", lun.unit.wwid);
         readPaths(section, lun);
-        const std::string grouping = section.text("grouping", "failover");
-        if (grouping != "failover" && grouping != "multibus")
-            section.fail("grouping", "must be \"failover\" or \"multibus\".");
-        lun.unit.multibus = grouping == "multibus";
+        lun.unit.multibus = section.choice("grouping", {"failover", "multibus"}) == "multibus";
         lun.unit.queueIfNoPath = section.flag("queue_if_no_path", false);
         lun.vendor = section.text("vendor", "RIG");
         lun.product = section.text("product", "LUN");
@@ -232,13 +277,38 @@ private:
             fault.status = static_cast<int>(section.number("status", 0, 255));
         fault.delay = section.seconds("delay");
         fault.hang = section.flag("hang", false);
-        fault.out = section.text("stdout");
+        if (section.find("print") != nullptr && !fault.status)
+            fault.status = 0;
+        fault.out = printed(section, section.text("stdout"));
         fault.err = section.text("stderr");
         if (!fault.status && !fault.hang && fault.delay == 0)
-            section.fail("command", "needs what shall happen: status, delay or hang.");
+            section.fail("command", "needs what shall happen: status, print, delay or hang.");
         if (!fault.status && !(fault.out.empty() && fault.err.empty()))
             section.fail("", "prints something, so it needs a status, too.");
         scenario_.faults.push_back(fault);
+    }
+
+    /// What a tool prints instead, when it is not given word by word.
+    static std::string printed(Section& section, const std::string& otherwise) {
+        const std::string kind = section.choice("print", {"", "nothing", "garbage", "megabyte"});
+        std::string text;
+        if (kind == "garbage")
+            for (unsigned i = 0; i < 4096; ++i)
+                text += static_cast<char>((i * 167 + i / 256 * 31) & 255);
+        if (kind == "megabyte")
+            while (text.size() < 1024 * 1024)
+                text += otherwise.empty() ? "0123456789abcdef\n" : otherwise;
+        return kind.empty() ? otherwise : text;
+    }
+
+    void readDeviceFault(Section& section) {
+        Scenario::DeviceFault fault;
+        fault.name = section.mappingName("name", section.requiredText("name"));
+        fault.origin = section.origin("name");
+        fault.node = section.choice("node", {"present", "absent", "late", "file"});
+        fault.held = section.flag("held", false);
+        fault.state = section.choice("state", {"running", "offline", "lost"});
+        scenario_.deviceFaults.push_back(fault);
     }
 
     static std::string defaultAlias(size_t position) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -43,11 +44,26 @@ struct Scenario {
         std::uint64_t length = 0;
     };
 
+    /// Something wrong with one device.
+    struct DeviceFault {
+        std::string name; // of a mapping, or of a path when there is a state
+        std::string origin;
+        std::string node = "present"; // absent; late: there after kpartx -a; file: a regular file
+        bool held = false;            // in use by nobody that can be ended
+        std::string state = "running";
+    };
+
     bool daemon = false;
+    std::optional<unsigned> restoreAfter;  // seconds until the daemon restores a queueing policy
+    bool deviceMapper = true;              // the kernel knows device-mapper
+    bool privileged = true;                // the caller may use it
+    std::vector<std::string> missingTools; // of multipath, dmsetup, kpartx
+    bool udevPartitions = false;           // udev rules map the partitions of every new map
     std::vector<Lun> luns;
     std::vector<Disk> disks;
     std::vector<Linear> linears;
     std::vector<Fault> faults;
+    std::vector<DeviceFault> deviceFaults;
 };
 
 /// Reads a scenario; `file` is how messages call it. Throws ScenarioError.

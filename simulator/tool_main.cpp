@@ -1,8 +1,10 @@
-// multipath, dmsetup and kpartx: picks the tool by the name that it was started under.
+// multipath, dmsetup, kpartx and simctl: picks the tool by the name that it was started under.
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 
+#include "daemon.h"
 #include "faults.h"
 #include "redirect.h"
 #include "text_file.h"
@@ -25,6 +27,12 @@ void err(const char* format, ...) {
     va_end(arguments);
 }
 
+void log(const std::string& text) {
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    err("%ld.%06ld | %s\n", static_cast<long>(now.tv_sec), now.tv_nsec / 1000, text.c_str());
+}
+
 namespace {
 
 using Tool = int (*)(World&, const Arguments&);
@@ -33,6 +41,7 @@ Tool toolNamed(const std::string& name) {
     return name == "dmsetup"     ? dmsetup
            : name == "multipath" ? multipath
            : name == "kpartx"    ? kpartx
+           : name == "simctl"    ? simctl
                                  : nullptr;
 }
 
@@ -53,6 +62,9 @@ int run(const std::string& name, const Arguments& arguments) {
         if (const auto fault = takeFault(world, commandLine))
             if (const auto status = suffer(world, *fault))
                 return *status;
+        if (const auto status = refusal(world, name, arguments))
+            return *status;
+        restoreWhatIsDue(world);
         return tool(world, arguments);
     } catch (const NotSimulated& reason) {
         err("not simulated: %s (%s)\n", commandLine.c_str(), reason.what());

@@ -25,6 +25,13 @@ using Arguments = std::vector<std::string>;
 int dmsetup(World& world, const Arguments& arguments);
 int multipath(World& world, const Arguments& arguments);
 int kpartx(World& world, const Arguments& arguments);
+int simctl(World& world, const Arguments& arguments);
+
+/// Where the world lets no tool do its work: prints what the tool then prints and returns its status.
+std::optional<int> refusal(const World& world, const std::string& tool, const Arguments& arguments);
+
+/// A line on standard error, led by the machine's uptime as every line of the multipath tool.
+void log(const std::string& text);
 
 /// Prints to standard output or standard error, formatted as by printf(3).
 void out(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -8,6 +8,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include "image_file.h"
 #include "redirect.h"
@@ -55,6 +56,10 @@ bool Mapping::isMultipathMap() const {
 }
 
 // ---- locks and lookups
+
+bool World::isThere() const {
+    return ::access(path("lock").c_str(), F_OK) == 0;
+}
 
 UniqueFd World::lockForReading() const {
     return lockFile(path("lock"), LOCK_SH);
@@ -136,7 +141,21 @@ std::vector<Mapping> World::mappings() const {
 
 // ---- use
 
+bool World::isHeld(const std::string& kernelName) const {
+    return ::access((blockPath(kernelName) + "/held").c_str(), F_OK) == 0;
+}
+
+void World::setHeld(const Mapping& mapping, bool held) {
+    const std::string mark = blockPath(mapping.kernelName()) + "/held";
+    if (held)
+        writeFile(mark, "");
+    else
+        removeFile(mark);
+}
+
 bool World::isOpen(const Mapping& mapping) const {
+    if (isHeld(mapping.kernelName()))
+        return true;
     const UniqueFd fd(::open(imageOf(mapping.kernelName()).c_str(), O_RDONLY | O_CLOEXEC));
     return fd.valid() && ::flock(fd.get(), LOCK_EX | LOCK_NB) != 0;
 }
@@ -147,6 +166,7 @@ bool World::inUse(const Mapping& mapping) const {
 
 unsigned World::openCount(const Mapping& mapping) const {
     auto count = static_cast<unsigned>(holders(mapping.kernelName()).size());
+    count += isHeld(mapping.kernelName());
     struct stat status;
     if (::stat(imageOf(mapping.kernelName()).c_str(), &status) != 0)
         return count;
@@ -185,12 +205,41 @@ void World::addDisk(const std::string& kernelName, DeviceNumber number, std::uin
     publish(draft, kernelName, number, sectors);
 }
 
+void World::detachDisk(const std::string& kernelName) {
+    const std::string number = attribute(kernelName, "dev");
+    if (number.empty())
+        return;
+    removeFile(path("dev/" + kernelName));
+    removeFile(path("numbers/" + number));
+    removePartitionsLine(kernelName);
+    makeDirectory(path("lost"));
+    if (::rename(blockPath(kernelName).c_str(), path("lost/" + kernelName).c_str()) != 0)
+        throwErrno(kernelName);
+}
+
+void World::attachDisk(const std::string& kernelName) {
+    const std::string draft = path("lost/" + kernelName);
+    const auto number = parseDeviceNumber(readLine(draft + "/dev"));
+    if (!number)
+        return;
+    for (const std::string& holder : listDirectory(draft + "/holders")) {
+        const auto minor = parseNumber(holder.substr(std::strlen("dm-")));
+        const auto above = minor ? mapping(static_cast<unsigned>(*minor)) : std::nullopt;
+        const auto used = above ? devicesOf(above->table) : std::vector<DeviceNumber>{};
+        if (std::find(used.begin(), used.end(), *number) == used.end())
+            removeFile(draft + "/holders/" + holder);
+    }
+    publish(draft, kernelName, *number, parseNumber(readLine(draft + "/size")).value_or(0));
+}
+
 void World::createContent(const std::string& image, const Table& table) const {
     if (!table.empty() && table.front().type == "multipath") {
         const auto path = kernelName(devicesOf(table).front());
         if (!path)
             throw WorldError("a map without a path that exists");
-        makeLink(*readLink(imageOf(*path)), image); // all paths and the map share the unit's content
+        // All paths and the map share the unit's content, and the map's has a path of its own.
+        if (::linkat(AT_FDCWD, imageOf(*path).c_str(), AT_FDCWD, image.c_str(), AT_SYMLINK_FOLLOW) != 0)
+            throwErrno(image);
         return;
     }
     createImage(image, sectorsOf(table));
@@ -203,9 +252,10 @@ void World::createContent(const std::string& image, const Table& table) const {
 }
 
 Mapping World::addMapping(const std::string& name, const std::string& uuid, const Table& table) {
-    Mapping added{0, name, uuid, table};
+    Mapping added{lowestFree_, name, uuid, table};
     while (::access(blockPath(added.kernelName()).c_str(), F_OK) == 0)
         ++added.minor;
+    lowestFree_ = added.minor; // while this process works, the numbers below stay taken
 
     const std::string draft = path("draft");
     removeTree(draft);
@@ -245,14 +295,30 @@ void World::rename(const Mapping& mapping, const std::string& name) {
 
 void World::ensureNode(const Mapping& mapping) {
     struct stat status;
-    if (::lstat(linkPath(mapping.name).c_str(), &status) != 0)
+    const std::string kept = blockPath(mapping.kernelName()) + "/dm/no_node";
+    if (::access(kept.c_str(), F_OK) != 0 && ::lstat(linkPath(mapping.name).c_str(), &status) != 0)
         makeLink("../" + mapping.kernelName(), linkPath(mapping.name));
+}
+
+void World::removeNode(const Mapping& mapping) {
+    removeFile(linkPath(mapping.name));
+}
+
+void World::keepNodeAway(const Mapping& mapping) {
+    writeFile(blockPath(mapping.kernelName()) + "/dm/no_node", "");
+    removeNode(mapping);
+}
+
+void World::putFileInPlaceOfNode(const Mapping& mapping) {
+    writeFile(linkPath(mapping.name), "not a device\n");
 }
 
 bool World::remove(const Mapping& mapping) {
     const std::string kernelName = mapping.kernelName();
+    lowestFree_ = std::min(lowestFree_, mapping.minor);
     const UniqueFd image(::open(imageOf(kernelName).c_str(), O_RDONLY | O_CLOEXEC));
-    if (!holders(kernelName).empty() || (image.valid() && ::flock(image.get(), LOCK_EX | LOCK_NB) != 0))
+    if (!holders(kernelName).empty() || isHeld(kernelName) ||
+        (image.valid() && ::flock(image.get(), LOCK_EX | LOCK_NB) != 0))
         return false;
     removeFile(linkPath(mapping.name));
     removeFile(path("dev/" + kernelName));

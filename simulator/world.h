@@ -7,6 +7,7 @@
 //   dev/, dev/mapper/                  nodes; see redirect.h
 //   proc/partitions
 //   images/, luns/, faults/, daemon    see the rooms that use them
+//   lost/                              disks that are gone for now
 //   lock
 //
 // A mapping is found by number or by name without looking at any other. Nodes are not needed to find
@@ -42,6 +43,9 @@ class World {
 public:
     explicit World(std::string directory) : directory_(std::move(directory)) {}
 
+    /// False when the world has ended.
+    bool isThere() const;
+
     /// Locks are held until the returned descriptor is closed, or the process ends.
     UniqueFd lockForReading() const;
     UniqueFd lockForChanges() const;
@@ -65,6 +69,11 @@ public:
     void addDisk(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors,
                  const std::string& image);
 
+    /// A lost disk leaves nothing but its number in the tables of the maps on it. It waits in lost/.
+    void detachDisk(const std::string& kernelName);
+    /// Brings a lost disk back; no effect on one that is there.
+    void attachDisk(const std::string& kernelName);
+
     // ---- mappings
 
     std::optional<Mapping> mapping(unsigned minor) const;
@@ -79,12 +88,20 @@ public:
     /// How many times it is open; each device that uses it counts as one.
     unsigned openCount(const Mapping& mapping) const;
 
+    /// Makes the mapping in use without any process that has it open.
+    void setHeld(const Mapping& mapping, bool held);
+
     /// Adds a mapping under the lowest free minor number. It has a node when it has a table.
     Mapping addMapping(const std::string& name, const std::string& uuid, const Table& table);
     void setTable(const Mapping& mapping, const Table& table);
     void rename(const Mapping& mapping, const std::string& name);
-    /// Makes /dev/mapper/NAME when nothing is there; whatever is there stays.
+    /// Makes /dev/mapper/NAME when nothing is there; whatever is there stays. A node that is kept away
+    /// is not made.
     void ensureNode(const Mapping& mapping);
+    void removeNode(const Mapping& mapping);
+    void keepNodeAway(const Mapping& mapping);
+    /// Puts a regular file in the place of the node.
+    void putFileInPlaceOfNode(const Mapping& mapping);
     /// Removes the mapping and its nodes. False, with nothing changed, when it is in use.
     bool remove(const Mapping& mapping);
 
@@ -96,8 +113,10 @@ private:
     void createContent(const std::string& image, const Table& table) const;
     void addPartitionsLine(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors);
     void removePartitionsLine(const std::string& kernelName);
+    bool isHeld(const std::string& kernelName) const;
 
     std::string directory_;
+    unsigned lowestFree_ = 0; // no free minor number lies below
 };
 
 /// The name of a mapping as its node in /dev/mapper is called: characters that udev does not let

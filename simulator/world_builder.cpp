@@ -1,5 +1,6 @@
 #include "world_builder.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -10,7 +11,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "hardware.h"
 #include "image_file.h"
+#include "map_service.h"
 #include "partition_mappings.h"
 #include "text_file.h"
 
@@ -67,7 +70,8 @@ std::string runSfdisk(World& world, int disk, const std::string& script) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    const std::string complaint = status != 0 ? "sfdisk: " + readLine(errors) : "";
+    std::string complaint = status != 0 ? "sfdisk: " + readLine(errors) : "";
+    std::replace(complaint.begin(), complaint.end(), '\n', ' ');
     removeFile(input);
     removeFile(errors);
     return complaint;
@@ -139,30 +143,44 @@ void addPaths(World& world, unsigned number, const Scenario::Lun& lun) {
     addLogicalUnit(world, number, lun.unit);
 }
 
-void mapPartitions(World& world, const Mapping& map) {
-    const auto whole = wholeDevice(world, map.number());
-    const auto partitions = mappablePartitions(world, *whole);
-    for (const Partition& partition : partitions)
-        mapPartition(world, *whole, partition,
-                     map.name + defaultDelimiter(map.name) + std::to_string(partition.number));
-    noteUse(world, map);
-}
-
 void addLinear(World& world, const Scenario::Linear& linear) {
     const auto mapping = world.mapping(linear.device);
     const auto device = mapping ? mapping->number() : diskNumber(linear.device);
-    if (!device || !world.kernelName(*device))
+    const auto below = device ? world.kernelName(*device) : std::nullopt;
+    if (!below)
         throw ScenarioError(linear.deviceOrigin + " \"" + linear.device +
                             "\" must be a disk, or a mapping that is there before it.");
+    if (linear.start + linear.length > parseNumber(world.attribute(*below, "size")).value_or(0))
+        throw ScenarioError(linear.deviceOrigin + " \"" + linear.device + "\" ends before start + length.");
     world.addMapping(linear.name, "", {linearTarget(0, linear.length, *device, linear.start)});
 }
 
-void layOut(const World& world, const std::string& tool) {
+void addDeviceFault(World& world, const Scenario::DeviceFault& fault) {
+    const auto paths = allPaths(world);
+    if (std::find(paths.begin(), paths.end(), fault.name) != paths.end()) {
+        setPathState(world, fault.name, fault.state);
+        return;
+    }
+    const auto mapping = world.mapping(fault.name);
+    if (!mapping)
+        throw ScenarioError(fault.origin + " \"" + fault.name +
+                            "\" must be a path, or a mapping that is there.");
+    world.setHeld(*mapping, fault.held);
+    if (fault.node == "absent")
+        world.keepNodeAway(*mapping);
+    else if (fault.node == "late")
+        world.removeNode(*mapping);
+    else if (fault.node == "file")
+        world.putFileInPlaceOfNode(*mapping);
+}
+
+void layOut(const World& world, const std::string& tool, const std::vector<std::string>& missing) {
     for (const char* directory :
          {"bin", "block", "dev", "dev/mapper", "images", "luns", "names", "numbers", "proc"})
         makeDirectory(world.path(directory));
-    for (const char* name : {"multipath", "dmsetup", "kpartx"})
-        makeLink(tool, world.path(std::string("bin/") + name));
+    for (const char* name : {"multipath", "dmsetup", "kpartx", "simctl"})
+        if (std::find(missing.begin(), missing.end(), name) == missing.end())
+            makeLink(tool, world.path(std::string("bin/") + name));
     writeFile(world.path("lock"), "");
     writeFile(world.path("dev/mapper/control"), "character 10:236\n");
     writeFile(world.path("proc/partitions"), "major minor  #blocks  name\n\n");
@@ -170,26 +188,41 @@ void layOut(const World& world, const std::string& tool) {
 
 } // namespace
 
-void buildWorld(const Scenario& scenario, const std::string& directory, const std::string& tool) {
+void buildWorld(const Scenario& scenario, const std::string& directory, const std::string& tool,
+                const std::function<void()>& checkpoint) {
     World world(directory);
-    layOut(world, tool);
+    layOut(world, tool, scenario.missingTools);
     writeFile(world.path("daemon"), scenario.daemon ? "1\n" : "0\n");
+    if (scenario.restoreAfter)
+        writeFile(world.path("restore_after"), std::to_string(*scenario.restoreAfter) + "\n");
+    if (!scenario.deviceMapper)
+        writeFile(world.path("no_device_mapper"), "");
+    if (!scenario.privileged)
+        writeFile(world.path("unprivileged"), "");
+    if (scenario.udevPartitions)
+        writeFile(world.path("udev_partitions"), "");
     for (const Scenario::Disk& disk : scenario.disks)
         addDisk(world, disk);
     unsigned number = 0;
-    for (const Scenario::Lun& lun : scenario.luns)
+    for (const Scenario::Lun& lun : scenario.luns) {
+        checkpoint();
         addPaths(world, ++number, lun);
+    }
     std::vector<Mapping> partitioned;
-    for (const Scenario::Lun& lun : scenario.luns)
-        if (lun.mapped) {
+    for (const Scenario::Lun& lun : scenario.luns) {
+        checkpoint();
+        if (lun.mapped && scenario.deviceMapper) {
             const Mapping map = createMap(world, lun.unit);
             if (lun.partitionsMapped && !lun.table.empty())
                 partitioned.push_back(map);
         }
+    }
     for (const Mapping& map : partitioned)
-        mapPartitions(world, map);
+        mapPartitions(world, map, scenario.udevPartitions ? "-part" : defaultDelimiter(map.name));
     for (const Scenario::Linear& linear : scenario.linears)
         addLinear(world, linear);
+    for (const Scenario::DeviceFault& fault : scenario.deviceFaults)
+        addDeviceFault(world, fault);
     number = 0;
     for (const Fault& fault : scenario.faults)
         addFault(world, ++number, fault);

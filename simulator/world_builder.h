@@ -1,6 +1,7 @@
 // Makes the directory of a world from a scenario.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "scenario.h"
@@ -8,7 +9,9 @@
 namespace sim {
 
 /// Fills an empty directory. `tool` is the program behind multipath, dmsetup and kpartx.
-/// Throws WorldError; the directory is then as far as it came.
-void buildWorld(const Scenario& scenario, const std::string& directory, const std::string& tool);
+/// `checkpoint` is called again and again and may throw to stop the work.
+/// Throws WorldError or ScenarioError; the directory is then as far as it came.
+void buildWorld(const Scenario& scenario, const std::string& directory, const std::string& tool,
+                const std::function<void()>& checkpoint);
 
 } // namespace sim

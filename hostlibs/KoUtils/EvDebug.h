@@ -10,7 +10,7 @@ class __attribute__((visibility("default"))) EvDebug {
 public:
     /** @param instance null for the process's common log; not owned. */
     explicit EvDebug(EvDebugFileInstance* instance);
-    ~EvDebug();
+    ~EvDebug(); // NOLINT(performance-trivially-destructible): a symbol that the plug-in calls
 
     EvDebug(const EvDebug&) = delete;
     EvDebug& operator=(const EvDebug&) = delete;

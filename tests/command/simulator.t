@@ -418,14 +418,14 @@ Disks can be read, written and partitioned; all paths lead to the same content:
 What is not simulated is refused aloud:
 
   $ world << 'END'
-  > dmsetup suspend mpatha
+  > dmsetup ls --exec true
   > dmsetup --verbose table
   > multipath -r
   > kpartx -u /dev/mapper/mpatha
   > dmsetup remove --force mpatha1
   > END
-  --- dmsetup suspend mpatha
-  ! not simulated: dmsetup suspend mpatha (this command of dmsetup)
+  --- dmsetup ls --exec true
+  ! not simulated: dmsetup ls --exec true (option --exec)
   [70]
   --- dmsetup --verbose table
   ! not simulated: dmsetup --verbose table (option --verbose)
@@ -555,7 +555,7 @@ Mistakes in a scenario are told with file, line and key:
   nrmpio-sim: bad.toml:3: linear.device "sdq" must be a disk, or a mapping that is there before it.
   [65]
   $ mistake '[[fault]]\ncommand = "dmsetup *"\n'
-  nrmpio-sim: bad.toml:2: fault.command needs what shall happen: status, delay or hang.
+  nrmpio-sim: bad.toml:2: fault.command needs what shall happen: status, print, delay or hang.
   [65]
 
 The command's end is the simulator's, signals included, and nothing stays behind:
