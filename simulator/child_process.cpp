@@ -33,7 +33,7 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
 
 /// The file that a command's name stands for, by the PATH of the child.
 std::string programPath(const std::string& name, const std::vector<std::string>& environment) {
-    if (name.find('/') != name.npos)
+    if (name.find('/') != std::string::npos)
         return name;
     for (const std::string& variable : environment) {
         if (variable.rfind("PATH=", 0) != 0)

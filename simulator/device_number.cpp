@@ -15,7 +15,7 @@ std::optional<unsigned long long> parseNumber(std::string_view text) {
 
 std::optional<DeviceNumber> parseDeviceNumber(std::string_view text) {
     const auto colon = text.find(':');
-    if (colon == text.npos)
+    if (colon == std::string::npos)
         return std::nullopt;
     const auto major = parseNumber(text.substr(0, colon));
     const auto minor = parseNumber(text.substr(colon + 1));

@@ -128,7 +128,7 @@ std::optional<Wanted> wantedDevice(const World& world, const Options& options) {
         return std::nullopt;
     }
     const std::string& operand = options.operands.front();
-    if (operand.find('/') == operand.npos)
+    if (operand.find('/') == std::string::npos)
         return Wanted{operand, std::nullopt};
     const auto name = nameOfPath(world, operand);
     return name ? std::optional<Wanted>(Wanted{*name, std::nullopt}) : std::nullopt;
@@ -323,12 +323,36 @@ std::string field(const World& world, const Mapping& mapping, const std::string&
            "w";
 }
 
+using Row = std::vector<std::string>;
+
+std::vector<size_t> widthsOf(const std::vector<Row>& rows, const Row& chosen) {
+    std::vector<size_t> widths;
+    for (size_t i = 0; i < chosen.size(); ++i) {
+        widths.push_back(static_cast<size_t>(column(chosen[i]).width));
+        for (const Row& row : rows)
+            widths[i] = std::max(widths[i], row[i].size());
+    }
+    return widths;
+}
+
+void printRow(const Row& row, const Row& chosen, const std::vector<size_t>& widths, bool plain,
+              bool heading) {
+    for (size_t i = 0; i < row.size(); ++i) {
+        if (i > 0)
+            out("%s", plain ? ":" : " ");
+        const std::string padding(plain ? 0 : widths[i] - row[i].size(), ' ');
+        const bool right = column(chosen[i]).right && !heading;
+        out("%s%s%s", right ? padding.c_str() : "", row[i].c_str(), right ? "" : padding.c_str());
+    }
+    out("\n");
+}
+
 void printColumns(const World& world, const Options& options, const std::vector<Mapping>& mappings) {
     const auto chosen = split(options.has("options") ? options.values.at("options")
                                                      : "name,major,minor,attr,open,segments,events,uuid",
                               ",");
     const bool plain = options.has("noheadings");
-    std::vector<std::vector<std::string>> rows;
+    std::vector<Row> rows;
     if (!plain) {
         rows.emplace_back();
         for (const std::string& option : chosen)
@@ -341,22 +365,9 @@ void printColumns(const World& world, const Options& options, const std::vector<
             rows.back().push_back(field(world, mapping, option));
         }
     }
-    for (const auto& row : rows) {
-        const bool heading = !plain && &row == &rows.front();
-        for (size_t i = 0; i < chosen.size(); ++i) {
-            size_t width = static_cast<size_t>(column(chosen[i]).width);
-            for (const auto& other : rows)
-                width = std::max(width, other[i].size());
-            const auto padding = std::string(plain ? 0 : width - row[i].size(), ' ');
-            const bool right = column(chosen[i]).right && !heading;
-            out("%s%s%s%s",
-                i == 0  ? ""
-                : plain ? ":"
-                        : " ",
-                right ? padding.c_str() : "", row[i].c_str(), right ? "" : padding.c_str());
-        }
-        out("\n");
-    }
+    const std::vector<size_t> widths = widthsOf(rows, chosen);
+    for (const auto& row : rows)
+        printRow(row, chosen, widths, plain, !plain && &row == &rows.front());
 }
 
 void printLong(const World& world, const Mapping& mapping) {

@@ -21,7 +21,7 @@ UniqueFd openImage(const std::string& path, int flags) {
 }
 
 void copyBytes(int source, off_t from, int target, off_t to, off_t count) {
-    std::vector<char> block(64 * 1024);
+    std::vector<char> block(std::size_t{64} * 1024);
     while (count > 0) {
         const auto wanted = static_cast<size_t>(std::min<off_t>(count, static_cast<off_t>(block.size())));
         const ssize_t got = ::pread(source, block.data(), wanted, from);

@@ -164,7 +164,7 @@ int kpartx(World& world, const Arguments& arguments) {
     case Service::works:
         break;
     case Service::fails:
-        for (const unsigned sector : {0, 1, 1, 29, 0, 0, 0}) // where partition tables are looked for
+        for (const unsigned sector : {0U, 1U, 1U, 29U, 0U, 0U, 0U}) // where partition tables are looked for
             err("read error, sector %u\n", sector);
         return 0;
     case Service::waits:

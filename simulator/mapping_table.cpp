@@ -50,7 +50,7 @@ private:
 
 std::vector<std::string> split(const std::string& text, const char* separators) {
     std::vector<std::string> parts;
-    for (std::size_t start = 0; (start = text.find_first_not_of(separators, start)) != text.npos;) {
+    for (std::size_t start = 0; (start = text.find_first_not_of(separators, start)) != std::string::npos;) {
         const std::size_t end = std::min(text.find_first_of(separators, start), text.size());
         parts.push_back(text.substr(start, end - start));
         start = end;

@@ -158,7 +158,7 @@ Search search(const World& world, const std::string& device) {
         return {std::nullopt, false};
     }
     const auto map = world.mapping(device);
-    if (map ? !map->isMultipathMap() : world.attribute(device, "dev") != "")
+    if (map ? !map->isMultipathMap() : !world.attribute(device, "dev").empty())
         throw NotSimulated("a name that is not that of a map");
     for (const LogicalUnit& unit : logicalUnits(world))
         if (device == unit.wwid)
@@ -291,7 +291,7 @@ int flush(World& world, const Options& options) {
         return Failed;
     }
     std::string name = *options.device;
-    if (name.find('/') != name.npos) {
+    if (name.find('/') != std::string::npos) {
         const auto number = world.deviceOfNode(name);
         const auto mapping =
             number && number->major == DeviceMapperMajor ? world.mapping(number->minor) : std::nullopt;

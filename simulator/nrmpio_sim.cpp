@@ -18,8 +18,6 @@
 #include "text_file.h"
 #include "world_builder.h"
 
-extern char** environ;
-
 namespace sim {
 
 namespace {

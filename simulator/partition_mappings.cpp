@@ -14,7 +14,7 @@ namespace {
 bool isPartitionUuid(const std::string& uuid, const std::string& wholeUuid) {
     const auto digits = std::string("part").size();
     const auto dash = uuid.find_first_not_of("0123456789", digits);
-    return uuid.rfind("part", 0) == 0 && dash != uuid.npos && dash > digits &&
+    return uuid.rfind("part", 0) == 0 && dash != std::string::npos && dash > digits &&
            uuid.substr(dash) == "-" + wholeUuid;
 }
 

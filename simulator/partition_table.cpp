@@ -20,11 +20,11 @@ std::vector<Partition> readPartitionTable(const std::string& image) {
                                                                            &blkid_free_probe);
     if (!probe || blkid_probe_set_device(probe.get(), fd.get(), 0, 0) != 0)
         return partitions;
-    const blkid_partlist list = blkid_probe_get_partitions(probe.get());
+    blkid_partlist list = blkid_probe_get_partitions(probe.get());
     const int count = list != nullptr ? blkid_partlist_numof_partitions(list) : 0;
     unsigned extended = 0;
     for (int i = 0; i < count; ++i) {
-        const blkid_partition entry = blkid_partlist_get_partition(list, i);
+        blkid_partition entry = blkid_partlist_get_partition(list, i);
         Partition partition;
         partition.number = static_cast<unsigned>(blkid_partition_get_partno(entry));
         partition.start = static_cast<std::uint64_t>(blkid_partition_get_start(entry));

@@ -105,8 +105,8 @@ public:
     std::string mappingName(const std::string& key, const std::string& value) {
         const bool printable =
             std::all_of(value.begin(), value.end(), [](unsigned char c) { return c >= 32 && c != 127; });
-        if (value.empty() || value.size() > LongestName || value.find('/') != value.npos || !printable ||
-            value == "." || value == ".." || value == "control")
+        if (value.empty() || value.size() > LongestName || value.find('/') != std::string::npos ||
+            !printable || value == "." || value == ".." || value == "control")
             fail(key, "must be a name of 1 to 127 characters without a \"/\".");
         return value;
     }
@@ -296,7 +296,7 @@ private:
             for (unsigned i = 0; i < 4096; ++i)
                 text += static_cast<char>((i * 167 + i / 256 * 31) & 255);
         if (kind == "megabyte")
-            while (text.size() < 1024 * 1024)
+            while (text.size() < std::size_t{1024} * 1024)
                 text += otherwise.empty() ? "0123456789abcdef\n" : otherwise;
         return kind.empty() ? otherwise : text;
     }

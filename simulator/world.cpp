@@ -125,7 +125,7 @@ std::optional<Mapping> World::mapping(unsigned minor) const {
 
 std::optional<Mapping> World::mapping(const std::string& name) const {
     const auto target = readLink(path("names/" + name));
-    if (!target || name.find('/') != name.npos)
+    if (!target || name.find('/') != std::string::npos)
         return std::nullopt;
     const auto minor = parseNumber(baseName(*target).substr(std::strlen("dm-")));
     return minor ? mapping(static_cast<unsigned>(*minor)) : std::nullopt;
@@ -345,7 +345,7 @@ void World::addPartitionsLine(const std::string& kernelName, DeviceNumber number
 void World::removePartitionsLine(const std::string& kernelName) {
     std::string text = readFile(path("proc/partitions")).value_or("");
     const auto name = text.find(" " + kernelName + "\n");
-    if (name == text.npos)
+    if (name == std::string::npos)
         return;
     const auto start = text.rfind('\n', name) + 1;
     text.erase(start, text.find('\n', name) + 1 - start);
