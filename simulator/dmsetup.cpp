@@ -207,6 +207,16 @@ std::vector<Mapping> listed(const World& world, const Options& options) {
     return mappings;
 }
 
+/// Does something with the mapping that the command line names, or fails as the command's ioctl does.
+template <typename Action>
+int onMapping(const World& world, const Options& options, Action action) {
+    const auto wanted = wantedDevice(world, options);
+    if (!wanted)
+        return commandFailed();
+    const auto mapping = find(world, *wanted);
+    return mapping ? action(*wanted, *mapping) : ioctlFailed(options.command, *wanted, NoSuchDevice);
+}
+
 int report(const World& world, const Options& options, Report lines) {
     if (!namesOneDevice(options)) {
         for (const Mapping& mapping : listed(world, options))
@@ -216,15 +226,11 @@ int report(const World& world, const Options& options, Report lines) {
     }
     if (options.has("target"))
         throw NotSimulated("--target with a device");
-    const auto wanted = wantedDevice(world, options);
-    if (!wanted)
-        return commandFailed();
-    const auto mapping = find(world, *wanted);
-    if (!mapping)
-        return ioctlFailed(options.command, *wanted, NoSuchDevice);
-    for (const std::string& line : lines(world, options, *mapping))
-        out("%s", line.c_str());
-    return 0;
+    return onMapping(world, options, [&](const auto&, const Mapping& mapping) {
+        for (const std::string& line : lines(world, options, mapping))
+            out("%s", line.c_str());
+        return 0;
+    });
 }
 
 int table(World& world, const Options& options) {
@@ -440,28 +446,21 @@ int message(World& world, const Options& options) {
     if (options.operands.size() != before + 2 || options.operands[before] != "0")
         throw NotSimulated("this form of message");
     const std::string text = options.operands[before + 1];
-    const auto wanted = wantedDevice(world, options);
-    if (!wanted)
-        return commandFailed();
-    const auto mapping = find(world, *wanted);
-    if (!mapping)
-        return ioctlFailed("message", *wanted, NoSuchDevice);
-    const bool multipath = !mapping->table.empty() && mapping->table.front().type == "multipath";
-    return multipath && deliver(world, *mapping, text) ? 0 : ioctlFailed("message", *wanted, InvalidArgument);
+    return onMapping(world, options, [&](const auto& wanted, const Mapping& mapping) {
+        const bool multipath = !mapping.table.empty() && mapping.table.front().type == "multipath";
+        return multipath && deliver(world, mapping, text) ? 0
+                                                          : ioctlFailed("message", wanted, InvalidArgument);
+    });
 }
 
 int suspendOrResume(World& world, const Options& options) {
     requireOnly(options, {"major", "minor"});
     if (!namesOneDevice(options))
         throw NotSimulated(options.command + " without a device");
-    const auto wanted = wantedDevice(world, options);
-    if (!wanted)
-        return commandFailed();
-    const auto mapping = find(world, *wanted);
-    if (!mapping)
-        return ioctlFailed(options.command, *wanted, NoSuchDevice);
-    setSuspended(world, *mapping, options.command == "suspend");
-    return 0;
+    return onMapping(world, options, [&](const auto&, const Mapping& mapping) {
+        setSuspended(world, mapping, options.command == "suspend");
+        return 0;
+    });
 }
 
 int remove(World& world, const Options& options) {
@@ -470,13 +469,9 @@ int remove(World& world, const Options& options) {
         err("No device specified.\n");
         return commandFailed();
     }
-    const auto wanted = wantedDevice(world, options);
-    if (!wanted)
-        return commandFailed();
-    const auto mapping = find(world, *wanted);
-    if (!mapping)
-        return ioctlFailed("remove", *wanted, NoSuchDevice);
-    return world.remove(*mapping) ? 0 : ioctlFailed("remove", *wanted, Busy);
+    return onMapping(world, options, [&](const auto& wanted, const Mapping& mapping) {
+        return world.remove(mapping) ? 0 : ioctlFailed("remove", wanted, Busy);
+    });
 }
 
 std::string standardInput() {
