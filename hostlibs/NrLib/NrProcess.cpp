@@ -6,6 +6,7 @@
 #include <string>
 
 #include "CLogWriterInterface.h"
+#include "CommandWatch.h"
 #include "EvDebug.h"
 #include "Log.h"
 #include "ShellProcess.h"
@@ -15,14 +16,12 @@ namespace {
 using std::chrono::milliseconds;
 
 std::atomic<int> timeLimitMs{0};
+std::atomic<CommandWatch*> commandWatch{nullptr};
 
 /** How long a command may take to end after SIGTERM, and again after SIGKILL. */
 constexpr milliseconds GracePeriod{2000};
 
-struct Result {
-    int status = NrProcess::NoStatus;
-    std::string out, err;
-};
+using Result = CommandAnswer;
 
 /** Adds what the runner itself has to say to the error text, as a line of its own. */
 void complain(std::string& err, const std::string& message) {
@@ -79,10 +78,22 @@ Result run(const char* command) {
 
 Result failure(const char* reason) noexcept {
     Result result;
+    result.status = NrProcess::NoStatus;
     try {
         complain(result.err, reason);
     } catch (const std::bad_alloc&) { // the status must do
     }
+    return result;
+}
+
+Result runWatched(const char* command) {
+    CommandWatch* watch = commandWatch;
+    if (!watch)
+        return run(command);
+    if (auto answer = watch->before(command))
+        return std::move(*answer);
+    Result result = run(command);
+    watch->after(command, result.status);
     return result;
 }
 
@@ -92,11 +103,13 @@ Result runOrFail(const char* command) {
         reapLeftBehind();
         if (!command)
             return failure("no command given");
-        return run(command);
+        return runWatched(command);
     } catch (const std::bad_alloc&) {
         return failure("out of memory");
     } catch (const std::exception& problem) {
         return failure(problem.what());
+    } catch (...) {
+        return failure("the host's watch failed");
     }
 }
 
@@ -127,4 +140,14 @@ int NrProcess::system(const char* command, std::string* out, std::string* err, i
 
 void NrProcess::setTimeLimit(int milliseconds) {
     timeLimitMs = milliseconds;
+}
+
+CommandWatch::~CommandWatch() = default;
+
+void NrProcess::setWatch(CommandWatch* watch) {
+    commandWatch = watch;
+}
+
+int NrProcess::signalAll(int number) {
+    return ShellProcess::signalAll(number);
 }

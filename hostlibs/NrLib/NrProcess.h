@@ -4,6 +4,8 @@
 
 #include <string>
 
+class CommandWatch;
+
 class __attribute__((visibility("default"))) NrProcess {
 public:
     /** Result of a command that was ended because it reached the time limit. */
@@ -53,6 +55,22 @@ public:
      * have gone before, SIGKILL. A command that cannot be killed is left behind after two more.
      */
     static void setTimeLimit(int milliseconds);
+
+    /**
+     * Has a watch look at each command from now on, of any thread; null, the default, for none.
+     *
+     * @param watch Stays the caller's, and must live until it is replaced and no command runs.
+     */
+    static void setWatch(CommandWatch* watch);
+
+    /**
+     * Sends a signal to the process groups of all commands that are running now: they are not in
+     * the caller's, so what a terminal sends does not reach them.
+     *
+     * @return How many there were, those included that were about to start and did not receive it.
+     * Not for use in a signal handler.
+     */
+    static int signalAll(int number);
 };
 
 #endif

@@ -9,6 +9,7 @@
 #include <cctype>
 #include <csignal>
 #include <mutex>
+#include <set>
 #include <vector>
 
 #include "Spawn.h"
@@ -25,6 +26,18 @@ std::mutex leftBehindMutex;
 std::vector<pid_t>& leftBehind() {
     static auto* pids = new std::vector<pid_t>; // never destroyed: threads may outlive main
     return *pids;
+}
+
+/** Not reaped yet, so that their numbers still are their own. */
+std::mutex livingMutex;
+std::set<const ShellProcess*>& living() {
+    static auto* processes = new std::set<const ShellProcess*>; // never destroyed, as above
+    return *processes;
+}
+
+void forget(const ShellProcess* process) {
+    const std::lock_guard lock(livingMutex);
+    living().erase(process);
 }
 
 /** Waits for a child, by its process descriptor where there is one. None when there is no status. */
@@ -88,7 +101,16 @@ Watch dependableWatch() {
 }
 
 ShellProcess::ShellProcess(const char* command, Watch watch) : kind_(watch) {
-    start(command);
+    {
+        const std::lock_guard lock(livingMutex);
+        living().insert(this); // before it starts: without memory for this, nothing is started
+    }
+    try {
+        start(command);
+    } catch (...) {
+        forget(this);
+        throw;
+    }
 }
 
 void ShellProcess::start(const char* command) {
@@ -111,6 +133,7 @@ void ShellProcess::start(const char* command) {
 ShellProcess::~ShellProcess() {
     if (reaped_)
         return;
+    forget(this);
     signal(SIGKILL);
     try {
         const std::lock_guard lock(leftBehindMutex);
@@ -143,10 +166,19 @@ void ShellProcess::noteEvent() {
 }
 
 void ShellProcess::signal(int number) const {
-    kill(-pid_, number);
+    if (pid_ > 0)
+        kill(-pid_, number);
+}
+
+int ShellProcess::signalAll(int number) {
+    const std::lock_guard lock(livingMutex);
+    for (const ShellProcess* process : living())
+        process->signal(number);
+    return static_cast<int>(living().size());
 }
 
 std::optional<int> ShellProcess::reap() {
+    forget(this);
     reaped_ = true;
     if (kind_ == Watch::Direct) {
         const auto status = waitStatus(watch_.end, pid_);

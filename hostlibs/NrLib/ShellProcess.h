@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <optional>
 #include <string>
 
@@ -56,6 +57,9 @@ public:
     /** Sends a signal to the command's process group. */
     void signal(int number) const;
 
+    /** The same for all that have not been reaped yet. @return How many, those about to start included. */
+    static int signalAll(int number);
+
     /**
      * Reaps a command that has ended. Adds the shell's own complaint, if it could not run the
      * command, to err.
@@ -74,7 +78,7 @@ private:
     /** Reported: the status pipe. Direct: the process, readable when it has ended; or no descriptor
         was left for it, and the process is looked at from time to time. */
     Stream watch_;
-    pid_t pid_ = -1;
+    std::atomic<pid_t> pid_{-1}; ///< Read by signalAll, too.
     bool ended_ = false;
     bool reaped_ = false;
 };

@@ -26,6 +26,7 @@
 #include <gtest/gtest.h>
 
 #include "CLogWriterInterface.h"
+#include "CommandWatch.h"
 #include "Log.h"
 #include "TemporaryDirectory.h"
 
@@ -552,6 +553,56 @@ TEST_P(OnHost, TooFewDescriptorsAreANamedFailureOrDoNotMatter) {
         close(fd);
     EXPECT_GE(failures, 3);
     EXPECT_GE(successes, 4);
+}
+
+/** Answers "answer", throws at "throw", has all others run. */
+struct Listener : CommandWatch {
+    std::vector<std::string> heard;
+    std::optional<CommandAnswer> before(const char* command) override {
+        heard.push_back("before "s + command);
+        if (command == "throw"s)
+            throw 0;
+        return command == "answer"s ? std::optional<CommandAnswer>({3, "out", "err"}) : std::nullopt;
+    }
+    void after(const char* command, int status) override {
+        heard.push_back("after "s + command + " " + std::to_string(status));
+    }
+};
+
+TEST(Runner, WatchSeesDecidesAndMayThrow) {
+    Listener listener;
+    NrProcess::setWatch(&listener);
+    const auto ran = run("echo 1; exit 5"), answered = run("answer"), refused = run("throw");
+    NrProcess::setWatch(nullptr);
+    EXPECT_EQ(run("echo 2").out, "2\n");
+    EXPECT_EQ(ran.status, 5);
+    EXPECT_EQ(ran.out, "1\n");
+    EXPECT_EQ(answered.status, 3);
+    EXPECT_EQ(answered.out + answered.err, "outerr");
+    EXPECT_EQ(refused.status, NrProcess::NoStatus);
+    EXPECT_EQ(refused.err, "the host's watch failed\n");
+    EXPECT_EQ(listener.heard, (std::vector<std::string>{"before echo 1; exit 5", "after echo 1; exit 5 5",
+                                                        "before answer", "before throw"}));
+}
+
+TEST_P(OnHost, SignalForAllReachesWhatRunsAndNothingElse) {
+    EXPECT_EQ(NrProcess::signalAll(SIGTERM), 0);
+    std::vector<std::thread> threads;
+    std::atomic<int> ended{0};
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&ended] {
+            // the shell waits for one that it does not replace itself with
+            EXPECT_EQ(run("sleep 60; true").status, 128 + SIGTERM);
+            ++ended;
+        });
+    for (int i = 0; ended < 4 && i < 2000; ++i) {
+        NrProcess::signalAll(SIGTERM); // some may not have been started yet
+        usleep(5000);
+    }
+    EXPECT_EQ(ended, 4);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(NrProcess::signalAll(SIGTERM), 0);
 }
 
 struct FixedLevel : CLogWriterInterface {
