@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <sstream>
 
+#include "CommandGate.h"
 #include "Commands.h"
 #include "Log.h"
 #include "Output.h"
@@ -37,7 +38,7 @@ void addOperands(CLI::App& app, Command::Operands operands, Arguments& arguments
         break;
     case Command::Operands::device:
         add("DEVICE", "Path of the device's node, or the name of a map or mapping",
-            [&](const std::string& text) { arguments.device = DeviceName(text).asPath(); });
+            [&](const std::string& text) { arguments.devices = {DeviceName(text).asPath()}; });
         break;
     case Command::Operands::deviceNumber:
         add("MAJOR", "Major device number",
@@ -79,6 +80,7 @@ ExitStatus run(const Request& request) {
         throw UsageError("--plugin needs a path");
     Log::setLevel(request.trace ? Log::DefaultLevel + 1 : 0);
     const Plugin plugin(request.plugin ? std::filesystem::path(*request.plugin) : Plugin::defaultFile());
+    const CommandGate gate(request.arguments.dryRun ? CommandGate::Mode::rehearse : CommandGate::Mode::run);
     const ExitStatus status = request.command->run(Library(plugin), request.arguments);
     finishOutput();
     return status;

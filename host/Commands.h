@@ -2,18 +2,11 @@
 #ifndef COMMANDS_H
 #define COMMANDS_H
 
-#include <optional>
+#include <vector>
 
+#include "Arguments.h"
 #include "ExitStatus.h"
 #include "Library.h"
-
-/** What the command line gave to a command. */
-struct Arguments {
-    std::optional<DeviceName> device;
-    bool kpartx = false;
-    int major = 0;
-    int minor = 0;
-};
 
 struct Command {
     enum class Operands { none, device, deviceNumber };

@@ -76,7 +76,7 @@ private:
 
 } // namespace
 
-ExitStatus showMaps(const Library& library) {
+ExitStatus show(const Library& library, const Arguments&) {
     Tree tree(library);
     auto status = ExitStatus::success;
     for (const std::string& map : library.maps()) {

@@ -2,6 +2,7 @@
 #ifndef SHOW_H
 #define SHOW_H
 
+#include "Arguments.h"
 #include "ExitStatus.h"
 #include "Library.h"
 
@@ -9,6 +10,6 @@
  * Prints every map with its paths and its partition mappings. What cannot be read is told, and the
  * rest printed all the same.
  */
-ExitStatus showMaps(const Library& library);
+ExitStatus show(const Library& library, const Arguments& arguments);
 
 #endif
