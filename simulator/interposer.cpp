@@ -24,7 +24,9 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "mount_table.h"
 #include "next_function.h"
+#include "open_device.h"
 
 #define INTERPOSED extern "C" __attribute__((visibility("default")))
 
@@ -43,6 +45,8 @@ public:
         : inWorld_(sim::redirect(sim::worldDirectory(), path, buffer_)), path_(path) {}
 
     bool inWorld() const { return inWorld_; }
+    /// True when what is there can be a device of the world.
+    bool mayBeDevice() const { return inWorld_ || sim::isDescriptor(path_); }
     const char* path() const { return inWorld_ ? buffer_ : path_; }
 
 private:
@@ -104,17 +108,18 @@ void belongToRoot(struct statx& status) {
     status.stx_uid = status.stx_gid = 0;
 }
 
-/// Turns the status of a node's text file into that of the node. Passes the result through.
+/// Turns the status of a node's text file, or of a device's content that is open, into that of the node.
+/// Passes the result through.
 template <typename Stat>
 int asNode(int result, const Place& place, Stat* status) {
-    if (result != 0 || !place.inWorld())
+    if (result != 0 || !place.mayBeDevice())
         return result;
-    if (S_ISLNK(modeOf(*status)))
+    if (place.inWorld() && S_ISLNK(modeOf(*status)))
         belongToRoot(*status); // whoever runs the world
     if (!S_ISREG(modeOf(*status)))
         return result;
     const KeepErrno keep;
-    const sim::Node node = sim::readNode(place.path());
+    const sim::Node node = place.inWorld() ? sim::readNode(place.path()) : sim::openNode(place.path());
     if (node.kind != sim::NodeKind::none)
         describe(node, *status);
     return result;
@@ -151,8 +156,8 @@ int openDevice(const sim::Node& node, int flags) {
     if (isUnprivileged())
         return failWith(EACCES);
     sim::PathBuffer content;
-    const int length = std::snprintf(content, sizeof content, "%s/numbers/%u:%u/image", sim::worldDirectory(),
-                                     node.major, node.minor);
+    const int length = std::snprintf(content, sizeof content, "%s/sys/dev/block/%u:%u/image",
+                                     sim::worldDirectory(), node.major, node.minor);
     if (node.kind != sim::NodeKind::block || length >= static_cast<int>(sizeof content))
         return failWith(ENXIO);
     const int fileOnly = O_CREAT | O_EXCL | O_TRUNC | O_NOFOLLOW | O_DIRECT;
@@ -180,6 +185,8 @@ bool meansTheFile(const char* place, int flags) {
 
 int openInWorld(const char* place, int flags, mode_t mode) {
     if (!meansTheFile(place, flags)) {
+        if (const char* path = place + std::strlen(sim::worldDirectory()); sim::isMountTable(path))
+            return sim::openMountTable(path, place, flags);
         const int saved = errno;
         const sim::Node node = sim::readNode(place);
         errno = saved;
@@ -253,7 +260,7 @@ INTERPOSED int statx(int directory, const char* path, int flags, unsigned mask,
                      struct statx* status) noexcept {
     const Place place(path);
     // The type decides whether it is a node, asked for or not.
-    const unsigned wanted = place.inWorld() ? mask | STATX_TYPE : mask;
+    const unsigned wanted = place.mayBeDevice() ? mask | STATX_TYPE : mask;
     return asNode(next_statx(directory, place.path(), flags, wanted, status), place, status);
 }
 
@@ -345,6 +352,18 @@ INTERPOSED DIR* opendir(const char* path) {
     return next_opendir(place.path());
 }
 
+#define SCANDIR_FUNCTION(name, entry)                                                                        \
+    using Filter_##name = int (*)(const entry*);                                                             \
+    using Order_##name = int (*)(const entry**, const entry**);                                              \
+    static Next<int(const char*, entry***, Filter_##name, Order_##name)> next_##name{#name};                 \
+    INTERPOSED int name(const char* path, entry*** list, Filter_##name filter, Order_##name order) {         \
+        const Place place(path);                                                                             \
+        return next_##name(place.path(), list, filter, order);                                               \
+    }
+
+SCANDIR_FUNCTION(scandir, struct dirent)
+SCANDIR_FUNCTION(scandir64, struct dirent64)
+
 // ---- the rest of what a shell does with a node: test it, read a link, take it away, link it again
 
 static Next<int(const char*, int)> next_access{"access"};
@@ -359,16 +378,34 @@ INTERPOSED int faccessat(int directory, const char* path, int mode, int flags) n
     return next_faccessat(directory, place.path(), mode, flags);
 }
 
+/// True when the path is that of a descriptor on a device of the world. The link then says, in `result`
+/// bytes of the target, what it would say on a machine with the device.
+static bool readDescriptor(const char* path, char* target, size_t size, ssize_t& result) {
+    const KeepErrno keep;
+    sim::PathBuffer name;
+    if (!sim::isDescriptor(path) || !sim::findOpenDevice(path, name))
+        return false;
+    sim::PathBuffer node;
+    const int length = std::snprintf(node, sizeof node, "/dev/%s", name);
+    result = static_cast<ssize_t>(static_cast<size_t>(length) < size ? static_cast<size_t>(length) : size);
+    std::memcpy(target, node, static_cast<size_t>(result));
+    return true;
+}
+
 static Next<ssize_t(const char*, char*, size_t)> next_readlink{"readlink"};
 INTERPOSED ssize_t readlink(const char* path, char* target, size_t size) noexcept {
     const Place place(path);
-    return next_readlink(place.path(), target, size);
+    ssize_t result = 0;
+    return readDescriptor(path, target, size, result) ? result : next_readlink(place.path(), target, size);
 }
 
 static Next<ssize_t(int, const char*, char*, size_t)> next_readlinkat{"readlinkat"};
 INTERPOSED ssize_t readlinkat(int directory, const char* path, char* target, size_t size) noexcept {
     const Place place(path);
-    return next_readlinkat(directory, place.path(), target, size);
+    ssize_t result = 0;
+    return readDescriptor(path, target, size, result)
+               ? result
+               : next_readlinkat(directory, place.path(), target, size);
 }
 
 // ls looks for access control lists before it shows a file.

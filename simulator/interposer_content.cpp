@@ -1,11 +1,8 @@
 // Reading and writing a device-mapper device: the C library's functions, replaced, so that the content
 // fails or waits as the world says in block/dm-N/service. What stdio does inside the C library is not seen.
 
-#include "redirect.h"
-
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 
 #include <dlfcn.h>
@@ -15,6 +12,7 @@
 #include <unistd.h>
 
 #include "next_function.h"
+#include "open_device.h"
 
 #define INTERPOSED extern "C" __attribute__((visibility("default")))
 
@@ -26,20 +24,12 @@ bool serviceFile(int fd, sim::PathBuffer& place) {
     struct stat status;
     if (world == nullptr || syscall(SYS_fstat, fd, &status) != 0 || !S_ISREG(status.st_mode))
         return false;
-    char link[64];
-    std::snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
-    const long length = syscall(SYS_readlinkat, AT_FDCWD, link, place, sizeof place - 16);
-    if (length <= 0)
-        return false;
-    place[length] = '\0';
-    const size_t root = std::strlen(world);
-    const char* name = place + root;
-    char* image = std::strrchr(place, '/');
-    if (std::strncmp(place, world, root) != 0 || std::strncmp(name, "/block/dm-", 10) != 0 ||
-        std::strcmp(image, "/image") != 0)
-        return false;
-    std::strcpy(image, "/service");
-    return true;
+    char descriptor[64];
+    std::snprintf(descriptor, sizeof descriptor, "/proc/self/fd/%d", fd);
+    sim::PathBuffer kernelName;
+    return sim::findOpenDevice(descriptor, kernelName) &&
+           std::snprintf(place, sizeof place, "%s/sys/block/%s/service", world, kernelName) <
+               static_cast<int>(sizeof place);
 }
 
 /// Waits while the device waits. False, with errno EIO, when it fails.

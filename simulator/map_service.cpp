@@ -97,15 +97,11 @@ void setQueueIfNoPath(World& world, const Mapping& map, bool queue) {
 }
 
 bool isSuspended(const World& world, const Mapping& mapping) {
-    return readFile(file(world, mapping, "dm/suspended")).has_value();
+    return readLine(file(world, mapping, "dm/suspended")) == "1";
 }
 
 void setSuspended(World& world, const Mapping& mapping, bool suspended) {
-    const std::string mark = file(world, mapping, "dm/suspended");
-    if (suspended)
-        writeFile(mark, "");
-    else
-        removeFile(mark);
+    writeFile(file(world, mapping, "dm/suspended"), suspended ? "1\n" : "0\n");
     refreshService(world, mapping);
 }
 

@@ -3,7 +3,7 @@
 //
 //   block/dm-0/dm/paths          "8:48 F 1": failed, and how often it failed; no line: active, never failed
 //   block/dm-0/dm/active_group   the path group that served the last input or output
-//   block/dm-0/dm/suspended      there while the device is suspended
+//   block/dm-0/dm/suspended      "1" while the device is suspended, otherwise "0"
 //   block/dm-0/service           "wait" or "error"; no file: reads and writes work. The interposer obeys it.
 #pragma once
 

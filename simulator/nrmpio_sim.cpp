@@ -1,4 +1,5 @@
 // nrmpio-sim: runs a command in a world where a multipath stack seems to exist.
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +28,7 @@ namespace fs = std::filesystem;
 constexpr int WrongUsage = 64;    // EX_USAGE
 constexpr int WrongScenario = 65; // EX_DATAERR
 constexpr int CannotBuild = 71;   // EX_OSERR
+constexpr int CannotPrint = 74;   // EX_IOERR
 constexpr char Preload[] = "libnrmpio-sim-preload.so";
 constexpr char Tool[] = "nrmpio-sim-tool";
 
@@ -61,7 +63,8 @@ Examples:
   nrmpio-sim --scenario san.toml -- nrmpio list        a world of your own
 
 Exit status: that of the command, 128 + n when signal n ended it, 127 when it could not be started,
-64 for wrong usage, 65 for a mistake in the scenario, 71 when the world could not be made.
+64 for wrong usage, 65 for a mistake in the scenario, 71 when the world could not be made, 74 when
+the output could not be written.
 )";
 
 constexpr char Hint[] =
@@ -178,7 +181,7 @@ private:
         path_ = fs::canonical(directory);
     }
     void useEarlier(const std::string& directory) {
-        for (const char* part : {"lock", "block", "names"})
+        for (const char* part : {"lock", "block", "names", "sys/dev/block"})
             if (!fs::exists(fs::path(directory) / part))
                 throw WorldError(directory + ": no world of nrmpio-sim; make one with --keep");
         path_ = fs::canonical(directory);
@@ -281,6 +284,11 @@ int runInWorld(const Options& options) {
     return status;
 }
 
+/// "1 unit", "2 units".
+std::string counted(size_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
 /// Makes the world and takes it away: what a disk or a table cannot be shows only then.
 int check(const std::string& file) {
     const HeldSignals signals;
@@ -288,9 +296,10 @@ int check(const std::string& file) {
     const Scenario scenario = loadScenario(file);
     const WorldDirectory world(std::nullopt, std::nullopt);
     makeWorld(scenario, world, privateDirectory(program) / Tool, signals);
-    std::cout << file << ": no mistake; " << scenario.luns.size() << " units, " << scenario.disks.size()
-              << " other disks, " << scenario.linears.size() << " linear devices, "
-              << scenario.faults.size() + scenario.deviceFaults.size() << " faults.\n";
+    std::cout << file << ": no mistake; " << counted(scenario.luns.size(), "unit") << ", "
+              << counted(scenario.disks.size(), "other disk") << ", "
+              << counted(scenario.linears.size(), "linear device") << ", "
+              << counted(scenario.faults.size() + scenario.deviceFaults.size(), "fault") << ".\n";
     return 0;
 }
 
@@ -317,7 +326,12 @@ int run(int count, char** values) {
 
 int main(int count, char** values) {
     try {
-        return sim::run(count, values);
+        const int status = sim::run(count, values);
+        errno = 0;
+        if (std::cout.flush())
+            return status;
+        std::cerr << "nrmpio-sim: cannot write to standard output: " << std::strerror(errno) << "\n";
+        return sim::CannotPrint;
     } catch (const sim::Interrupted& interrupted) {
         return 128 + interrupted.signal;
     } catch (const sim::ScenarioError& error) {

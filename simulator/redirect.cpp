@@ -43,9 +43,19 @@ bool isOrIsBelow(const char* path, const char* directory) {
     return rest == '\0' || rest == '/';
 }
 
+/// A path that ends so must be a directory.
+bool endsInSlash(const char* path) {
+    const size_t length = std::strlen(path);
+    return path[length - 1] == '/' || (length > 1 && std::strcmp(path + length - 2, "/.") == 0);
+}
+
 bool belongsToWorlds(const char* path) {
+    if (startsWith(path, "/sys/"))
+        return isOrIsBelow(path, "/sys/block") || isOrIsBelow(path, "/sys/dev/block") ||
+               isOrIsBelow(path, "/sys/class/block");
     if (!startsWith(path, "/dev/"))
-        return std::strcmp(path, "/proc/partitions") == 0;
+        return isMountTable(path) || std::strcmp(path, "/proc/partitions") == 0 ||
+               std::strcmp(path, "/proc/swaps") == 0;
     const char* name = path + std::strlen("/dev/");
     const char after = startsWith(name, "sd") || startsWith(name, "vd") ? name[2] : '\0';
     return isOrIsBelow(name, "mapper") || isOrIsBelow(name, "mpath") || (after >= 'a' && after <= 'z') ||
@@ -65,12 +75,18 @@ bool redirect(const char* world, const char* path, PathBuffer& place) {
         !belongsToWorlds(plain))
         return false;
     const size_t root = std::strlen(world);
-    const size_t rest = std::strlen(plain) + 1;
-    if (root + rest > sizeof place)
+    const size_t rest = std::strlen(plain);
+    if (root + rest + sizeof "/" > sizeof place)
         return false;
     std::memcpy(place, world, root);
     std::memcpy(place + root, plain, rest);
+    std::strcpy(place + root + rest, endsInSlash(path) ? "/" : "");
     return true;
+}
+
+bool isMountTable(const char* path) {
+    return std::strcmp(path, "/proc/mounts") == 0 || std::strcmp(path, "/proc/self/mounts") == 0 ||
+           std::strcmp(path, "/proc/self/mountinfo") == 0;
 }
 
 Node readNode(const char* place) {

@@ -16,8 +16,12 @@ using PathBuffer = char[PATH_MAX];
 const char* worldDirectory();
 
 /// Writes the path's place in the world and returns true when the path is one that worlds define:
-/// /dev/mapper, /dev/mpath and all below them, /dev/dm-*, /dev/sd*, /dev/vd* and /proc/partitions.
+/// /dev/mapper, /dev/mpath and all below them, /dev/dm-*, /dev/sd*, /dev/vd*, /sys/block, /sys/dev/block,
+/// /sys/class/block and all below them, /proc/partitions, /proc/swaps and the tables of mounts.
 bool redirect(const char* world, const char* path, PathBuffer& place);
+
+/// True for the tables that show the machine's mounts and those of the world; see mount_table.h.
+bool isMountTable(const char* path);
 
 enum class NodeKind { none, block, character };
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint64_t LargestDisk = std::uint64_t{1} << 43; // bytes: 8T
 constexpr unsigned MostPaths = 64;
 constexpr unsigned MostUnits = 4096;
-constexpr size_t LongestName = 127; // of a mapping, as device-mapper has it
+constexpr size_t LongestName = 127; // of a mapping, as the kernel knows it
 
 /// One table of the file. Hands out its values and knows which keys nobody asked for.
 class Section {
@@ -105,7 +105,7 @@ public:
     std::string mappingName(const std::string& key, const std::string& value) {
         const bool printable =
             std::all_of(value.begin(), value.end(), [](unsigned char c) { return c >= 32 && c != 127; });
-        if (value.empty() || value.size() > LongestName || value.find('/') != std::string::npos ||
+        if (value.empty() || nodeName(value).size() > LongestName || value.find('/') != std::string::npos ||
             !printable || value == "." || value == ".." || value == "control")
             fail(key, "must be a name of 1 to 127 characters without a \"/\".");
         return value;
@@ -307,6 +307,9 @@ private:
         fault.origin = section.origin("name");
         fault.node = section.choice("node", {"present", "absent", "late", "file"});
         fault.held = section.flag("held", false);
+        fault.mounted = section.text("mounted");
+        if (!fault.mounted.empty() && fault.mounted[0] != '/')
+            section.fail("mounted", "must be the path of a directory, from \"/\" on.");
         fault.state = section.choice("state", {"running", "offline", "lost"});
         scenario_.deviceFaults.push_back(fault);
     }

@@ -50,6 +50,7 @@ struct Scenario {
         std::string origin;
         std::string node = "present"; // absent; late: there after kpartx -a; file: a regular file
         bool held = false;            // in use by nobody that can be ended
+        std::string mounted;          // the mount point; empty: none
         std::string state = "running";
     };
 

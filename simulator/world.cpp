@@ -1,7 +1,9 @@
 #include "world.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 
 #include <fcntl.h>
@@ -33,8 +35,38 @@ std::string baseName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+/// All paths of a unit and its map share one content. Each has a name of its own for it, which tells which of
+/// them a process has open.
+void shareContent(const std::string& image, const std::string& name) {
+    if (::link(image.c_str(), name.c_str()) != 0)
+        throwErrno(name);
+}
+
 std::string nodeText(DeviceNumber number) {
     return "block " + number.text() + "\n";
+}
+
+} // namespace
+
+namespace {
+
+/// The character that stands as \xNN at a position.
+std::optional<char> escapedByte(const std::string& text, size_t at) {
+    unsigned byte = 0;
+    const bool escaped = text.compare(at, 2, "\\x") == 0 && text.size() >= at + 4 &&
+                         std::from_chars(&text[at + 2], &text[at] + 4, byte, 16).ptr == &text[at] + 4;
+    return escaped ? std::optional<char>(static_cast<char>(byte)) : std::nullopt;
+}
+
+/// What nodeName() was made from.
+std::string nameOfNode(const std::string& node) {
+    std::string name;
+    for (size_t i = 0; i < node.size(); ++i) {
+        const auto byte = escapedByte(node, i);
+        name += byte.value_or(node[i]);
+        i += byte ? 3 : 0;
+    }
+    return name;
 }
 
 } // namespace
@@ -42,9 +74,10 @@ std::string nodeText(DeviceNumber number) {
 std::string nodeName(const std::string& name) {
     const char digits[] = "0123456789abcdef";
     std::string node;
-    for (const char c : name) {
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                           std::strchr("#+-.:=@_", c) != nullptr;
+    for (size_t i = 0; i < name.size(); ++i) {
+        const char c = name[i];
+        const bool plain = std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+                           std::strchr("#+-.:=@_", c) != nullptr || escapedByte(name, i);
         const auto byte = static_cast<unsigned char>(c);
         node += plain ? std::string(1, c) : std::string("\\x") + digits[byte >> 4] + digits[byte & 15];
     }
@@ -82,7 +115,7 @@ std::string World::linkPath(const std::string& name) const {
 }
 
 std::optional<std::string> World::kernelName(DeviceNumber number) const {
-    const auto target = readLink(path("numbers/" + number.text()));
+    const auto target = readLink(path("sys/dev/block/" + number.text()));
     return target ? std::optional<std::string>(baseName(*target)) : std::nullopt;
 }
 
@@ -114,7 +147,7 @@ std::optional<Mapping> World::mapping(unsigned minor) const {
     const auto name = readFile(directory + "name");
     if (!name)
         return std::nullopt;
-    found.name = name->substr(0, name->find('\n'));
+    found.name = nameOfNode(name->substr(0, name->find('\n')));
     found.uuid = readLine(directory + "uuid");
     const auto table = parseTable(readFile(directory + "table").value_or(""));
     if (!table)
@@ -124,8 +157,8 @@ std::optional<Mapping> World::mapping(unsigned minor) const {
 }
 
 std::optional<Mapping> World::mapping(const std::string& name) const {
-    const auto target = readLink(path("names/" + name));
-    if (!target || name.find('/') != std::string::npos)
+    const auto target = readLink(path("names/" + nodeName(name)));
+    if (!target)
         return std::nullopt;
     const auto minor = parseNumber(baseName(*target).substr(std::strlen("dm-")));
     return minor ? mapping(static_cast<unsigned>(*minor)) : std::nullopt;
@@ -141,8 +174,11 @@ std::vector<Mapping> World::mappings() const {
 
 // ---- use
 
-bool World::isHeld(const std::string& kernelName) const {
-    return ::access((blockPath(kernelName) + "/held").c_str(), F_OK) == 0;
+unsigned World::uses(const std::string& kernelName) const {
+    unsigned count = 0;
+    for (const char* mark : {"/held", "/mounted"})
+        count += ::access((blockPath(kernelName) + mark).c_str(), F_OK) == 0;
+    return count;
 }
 
 void World::setHeld(const Mapping& mapping, bool held) {
@@ -154,7 +190,7 @@ void World::setHeld(const Mapping& mapping, bool held) {
 }
 
 bool World::isOpen(const Mapping& mapping) const {
-    if (isHeld(mapping.kernelName()))
+    if (uses(mapping.kernelName()) > 0)
         return true;
     const UniqueFd fd(::open(imageOf(mapping.kernelName()).c_str(), O_RDONLY | O_CLOEXEC));
     return fd.valid() && ::flock(fd.get(), LOCK_EX | LOCK_NB) != 0;
@@ -166,7 +202,7 @@ bool World::inUse(const Mapping& mapping) const {
 
 unsigned World::openCount(const Mapping& mapping) const {
     auto count = static_cast<unsigned>(holders(mapping.kernelName()).size());
-    count += isHeld(mapping.kernelName());
+    count += uses(mapping.kernelName());
     struct stat status;
     if (::stat(imageOf(mapping.kernelName()).c_str(), &status) != 0)
         return count;
@@ -187,7 +223,7 @@ void World::publish(const std::string& draft, const std::string& kernelName, Dev
                     std::uint64_t sectors) {
     if (::rename(draft.c_str(), blockPath(kernelName).c_str()) != 0)
         throwErrno(blockPath(kernelName));
-    makeLink("../block/" + kernelName, path("numbers/" + number.text()));
+    makeLink("../../block/" + kernelName, path("sys/dev/block/" + number.text()));
     writeFile(path("dev/" + kernelName), nodeText(number));
     if (sectors > 0) // the kernel leaves out what has no size
         addPartitionsLine(kernelName, number, sectors);
@@ -197,11 +233,11 @@ void World::addDisk(const std::string& kernelName, DeviceNumber number, std::uin
                     const std::string& image) {
     const std::string draft = path("draft");
     removeTree(draft);
-    makeDirectory(draft);
-    makeDirectory(draft + "/holders");
+    for (const char* directory : {"", "/holders", "/slaves"})
+        makeDirectory(draft + directory);
     createFile(draft + "/dev", number.text() + "\n");
     createFile(draft + "/size", std::to_string(sectors) + "\n");
-    makeLink(image, draft + "/image");
+    shareContent(image, draft + "/image");
     publish(draft, kernelName, number, sectors);
 }
 
@@ -210,7 +246,7 @@ void World::detachDisk(const std::string& kernelName) {
     if (number.empty())
         return;
     removeFile(path("dev/" + kernelName));
-    removeFile(path("numbers/" + number));
+    removeFile(path("sys/dev/block/" + number));
     removePartitionsLine(kernelName);
     makeDirectory(path("lost"));
     if (::rename(blockPath(kernelName).c_str(), path("lost/" + kernelName).c_str()) != 0)
@@ -237,9 +273,7 @@ void World::createContent(const std::string& image, const Table& table) const {
         const auto path = kernelName(devicesOf(table).front());
         if (!path)
             throw WorldError("a map without a path that exists");
-        // All paths and the map share the unit's content, and the map's has a path of its own.
-        if (::linkat(AT_FDCWD, imageOf(*path).c_str(), AT_FDCWD, image.c_str(), AT_SYMLINK_FOLLOW) != 0)
-            throwErrno(image);
+        shareContent(imageOf(*path), image);
         return;
     }
     createImage(image, sectorsOf(table));
@@ -263,10 +297,11 @@ Mapping World::addMapping(const std::string& name, const std::string& uuid, cons
         makeDirectory(draft + directory);
     createFile(draft + "/dev", added.number().text() + "\n");
     createFile(draft + "/size", std::to_string(sectorsOf(table)) + "\n");
-    createFile(draft + "/dm/name", name + "\n");
+    createFile(draft + "/dm/name", nodeName(name) + "\n");
     createFile(draft + "/dm/uuid", uuid + "\n");
     createFile(draft + "/dm/table", tableText(table));
     createFile(draft + "/dm/event", "0\n");
+    createFile(draft + "/dm/suspended", "0\n");
     createContent(draft + "/image", table);
     for (const DeviceNumber device : devicesOf(table))
         if (const auto slave = kernelName(device))
@@ -275,7 +310,7 @@ Mapping World::addMapping(const std::string& name, const std::string& uuid, cons
     publish(draft, added.kernelName(), added.number(), sectorsOf(table));
     for (const std::string& slave : listDirectory(blockPath(added.kernelName()) + "/slaves"))
         makeLink("../../" + added.kernelName(), blockPath(slave) + "/holders/" + added.kernelName());
-    makeLink("../block/" + added.kernelName(), path("names/" + name));
+    makeLink("../block/" + added.kernelName(), path("names/" + nodeName(name)));
     if (!table.empty())
         ensureNode(added);
     return added;
@@ -286,9 +321,9 @@ void World::setTable(const Mapping& mapping, const Table& table) {
 }
 
 void World::rename(const Mapping& mapping, const std::string& name) {
-    writeFile(blockPath(mapping.kernelName()) + "/dm/name", name + "\n");
-    makeLink("../block/" + mapping.kernelName(), path("names/" + name));
-    removeFile(path("names/" + mapping.name));
+    writeFile(blockPath(mapping.kernelName()) + "/dm/name", nodeName(name) + "\n");
+    makeLink("../block/" + mapping.kernelName(), path("names/" + nodeName(name)));
+    removeFile(path("names/" + nodeName(mapping.name)));
     removeFile(linkPath(mapping.name));
     ensureNode({mapping.minor, name, mapping.uuid, mapping.table});
 }
@@ -317,13 +352,13 @@ bool World::remove(const Mapping& mapping) {
     const std::string kernelName = mapping.kernelName();
     lowestFree_ = std::min(lowestFree_, mapping.minor);
     const UniqueFd image(::open(imageOf(kernelName).c_str(), O_RDONLY | O_CLOEXEC));
-    if (!holders(kernelName).empty() || isHeld(kernelName) ||
+    if (!holders(kernelName).empty() || uses(kernelName) > 0 ||
         (image.valid() && ::flock(image.get(), LOCK_EX | LOCK_NB) != 0))
         return false;
     removeFile(linkPath(mapping.name));
     removeFile(path("dev/" + kernelName));
-    removeFile(path("names/" + mapping.name));
-    removeFile(path("numbers/" + mapping.number().text()));
+    removeFile(path("names/" + nodeName(mapping.name)));
+    removeFile(path("sys/dev/block/" + mapping.number().text()));
     for (const std::string& slave : listDirectory(blockPath(kernelName) + "/slaves"))
         removeFile(blockPath(slave) + "/holders/" + kernelName);
     removePartitionsLine(kernelName);

@@ -1,11 +1,12 @@
 // The state of a world, kept in a directory in the manner of sysfs:
 //
-//   block/sda/{dev,size,image,device/{hctl,vendor,model,state},holders/}
-//   block/dm-0/{dev,size,image,dm/{name,uuid,table,event,active_group},holders/,slaves/}
-//   numbers/8:0 -> ../block/sda        as /sys/dev/block
-//   names/mpatha -> ../block/dm-0      mappings by name
+//   block/sda/{dev,size,image,device/{hctl,vendor,model,state},holders/,slaves/}
+//   block/dm-0/{dev,size,image,dm/{name,uuid,table,event,suspended,active_group},holders/,slaves/}
+//   sys/block (block is a link to it), sys/class/block -> ../block
+//   sys/dev/block/8:0 -> ../../block/sda
+//   names/mpatha -> ../block/dm-0      mappings by name, as the kernel knows it
 //   dev/, dev/mapper/                  nodes; see redirect.h
-//   proc/partitions
+//   proc/{partitions,swaps,mounts,self/{mountinfo,mounts}}
 //   images/, luns/, faults/, daemon    see the rooms that use them
 //   lost/                              disks that are gone for now
 //   lock
@@ -65,7 +66,7 @@ public:
     /// The kernel names of the devices that use this one.
     std::vector<std::string> holders(const std::string& kernelName) const;
 
-    /// Adds a disk, or a disk's partition, with a node. The image is a path, kept as it is.
+    /// Adds a disk, or a disk's partition, with a node. The image at the path becomes its content.
     void addDisk(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors,
                  const std::string& image);
 
@@ -78,7 +79,7 @@ public:
 
     std::optional<Mapping> mapping(unsigned minor) const;
     std::optional<Mapping> mapping(const std::string& name) const;
-    /// All mappings, in byte order of their names.
+    /// All mappings, in byte order of their names as the kernel knows them.
     std::vector<Mapping> mappings() const;
 
     /// True when a process has the device open. Needs the lock for changes.
@@ -113,14 +114,15 @@ private:
     void createContent(const std::string& image, const Table& table) const;
     void addPartitionsLine(const std::string& kernelName, DeviceNumber number, std::uint64_t sectors);
     void removePartitionsLine(const std::string& kernelName);
-    bool isHeld(const std::string& kernelName) const;
+    /// How many times it is in use without a process that has it open.
+    unsigned uses(const std::string& kernelName) const;
 
     std::string directory_;
     unsigned lowestFree_ = 0; // no free minor number lies below
 };
 
-/// The name of a mapping as its node in /dev/mapper is called: characters that udev does not let
-/// through stand as \xNN.
+/// The name of a mapping as the kernel knows it and as its node in /dev/mapper is called: characters that
+/// libdevmapper does not let through stand as \xNN. What stands so already is left as it is.
 std::string nodeName(const std::string& name);
 
 } // namespace sim

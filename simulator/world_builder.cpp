@@ -14,6 +14,7 @@
 #include "hardware.h"
 #include "image_file.h"
 #include "map_service.h"
+#include "mounts.h"
 #include "partition_mappings.h"
 #include "text_file.h"
 
@@ -96,15 +97,14 @@ void partition(World& world, const std::string& image, std::uint64_t sectors, co
     copySectors("/proc/self/fd/" + std::to_string(disk.get()), 0, image, 0, sectors);
 }
 
-/// Makes an image, with a partition table where there is a script. The result is the image's path as a
-/// device's directory names it.
+/// Makes an image, with a partition table where there is a script. The result is its path.
 std::string makeImage(World& world, const std::string& name, std::uint64_t sectors,
                       const TableScript& script) {
     const std::string image = world.path("images/" + name);
     createImage(image, sectors);
     if (!script.text.empty())
         partition(world, image, sectors, script);
-    return "../../images/" + name;
+    return image;
 }
 
 void addPartition(World& world, const Scenario::Disk& disk, const Partition& partition) {
@@ -115,13 +115,20 @@ void addPartition(World& world, const Scenario::Disk& disk, const Partition& par
     const std::string name = disk.name + std::to_string(partition.number);
     const std::uint64_t sectors = partition.extended ? 2 : partition.length;
     const std::string image = makeImage(world, name, sectors, {"", ""});
-    copySectors(world.imageOf(disk.name), partition.start, world.path("images/" + name), 0, sectors);
+    copySectors(world.imageOf(disk.name), partition.start, image, 0, sectors);
     world.addDisk(name, {whole.major, whole.minor + partition.number}, sectors, image);
+}
+
+void addState(World& world, const std::string& disk) {
+    makeDirectory(world.path("block/" + disk + "/device"));
+    createFile(world.path("block/" + disk + "/device/state"), "running\n");
 }
 
 void addDisk(World& world, const Scenario::Disk& disk) {
     const std::string image = makeImage(world, disk.name, disk.sectors, {disk.table, disk.tableOrigin});
     world.addDisk(disk.name, *diskNumber(disk.name), disk.sectors, image);
+    if (disk.name[0] == 's') // SCSI
+        addState(world, disk.name);
     for (const Partition& partition : readPartitionTable(world.imageOf(disk.name)))
         addPartition(world, disk, partition);
 }
@@ -133,12 +140,11 @@ void addPaths(World& world, unsigned number, const Scenario::Lun& lun) {
     unsigned host = 0;
     for (const std::string& path : lun.unit.paths) {
         world.addDisk(path, *diskNumber(path), lun.sectors, image);
+        addState(world, path);
         const std::string device = world.path("block/" + path + "/device");
-        makeDirectory(device);
         createFile(device + "/hctl", std::to_string(host++) + ":0:0:" + std::to_string(number) + "\n");
         createFile(device + "/vendor", lun.vendor + "\n");
         createFile(device + "/model", lun.product + "\n");
-        createFile(device + "/state", "running\n");
     }
     addLogicalUnit(world, number, lun.unit);
 }
@@ -166,6 +172,8 @@ void addDeviceFault(World& world, const Scenario::DeviceFault& fault) {
         throw ScenarioError(fault.origin + " \"" + fault.name +
                             "\" must be a path, or a mapping that is there.");
     world.setHeld(*mapping, fault.held);
+    if (!fault.mounted.empty())
+        mount(world, *mapping, fault.mounted);
     if (fault.node == "absent")
         world.keepNodeAway(*mapping);
     else if (fault.node == "late")
@@ -175,15 +183,21 @@ void addDeviceFault(World& world, const Scenario::DeviceFault& fault) {
 }
 
 void layOut(const World& world, const std::string& tool, const std::vector<std::string>& missing) {
-    for (const char* directory :
-         {"bin", "block", "dev", "dev/mapper", "images", "luns", "names", "numbers", "proc"})
+    for (const char* directory : {"bin", "dev", "dev/mapper", "images", "luns", "names", "proc", "proc/self",
+                                  "sys", "sys/class", "sys/dev", "sys/block", "sys/dev/block"})
         makeDirectory(world.path(directory));
     for (const char* name : {"multipath", "dmsetup", "kpartx", "simctl"})
         if (std::find(missing.begin(), missing.end(), name) == missing.end())
             makeLink(tool, world.path(std::string("bin/") + name));
+    makeLink("sys/block", world.path("block"));
+    makeLink("../block", world.path("sys/class/block"));
     writeFile(world.path("lock"), "");
     writeFile(world.path("dev/mapper/control"), "character 10:236\n");
     writeFile(world.path("proc/partitions"), "major minor  #blocks  name\n\n");
+    writeFile(world.path("proc/swaps"), "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n");
+    writeFile(world.path("proc/self/mountinfo"), "");
+    writeFile(world.path("proc/self/mounts"), "");
+    makeLink("self/mounts", world.path("proc/mounts"));
 }
 
 } // namespace

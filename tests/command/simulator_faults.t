@@ -92,7 +92,7 @@ What can't be is refused with a sentence, by --check too:
 
   $ check() { printf '%b' "$1" > bad.toml; nrmpio-sim --check bad.toml; }
   $ check '[[lun]]\n'
-  bad.toml: no mistake; 1 units, 0 other disks, 0 linear devices, 0 faults.
+  bad.toml: no mistake; 1 unit, 0 other disks, 0 linear devices, 0 faults.
   $ check '[[lun]]\nalias = "control"\n'
   nrmpio-sim: bad.toml:2: lun.alias must be a name of 1 to 127 characters without a "/".
   [65]

@@ -72,7 +72,10 @@ The daemon restores the queueing that a map is configured with, after some secon
 
   $ printf 'daemon = true\nrestore_after = 1\n' | cat - san.toml > daemon.toml
   $ nrmpio-sim -s daemon.toml -- bash -c 'policy() { dmsetup table mpatha | cut -d" " -f4-5; }; policy
-  > dmsetup message mpatha 0 fail_if_no_path; policy; sleep 1.1; policy'
+  > dmsetup message mpatha 0 fail_if_no_path; policy; sleep 1.1; policy; dmsetup message mpatha 0 fail_if_no_path; policy
+  > sleep 1.1; dmsetup status mpatha > /dev/null; cut -d" " -f4-5 $NRMPIO_SIM_WORLD/block/dm-0/dm/table'
+  1 queue_if_no_path
+  0 0
   1 queue_if_no_path
   0 0
   1 queue_if_no_path

@@ -1,6 +1,6 @@
 Worlds: the built-in ones, several at once, kept and gone on with, shared by many tools.
 
-  $ export TMPDIR=$PWD/worlds; mkdir $TMPDIR
+  $ export TMPDIR=$(mktemp -d -p /dev/shm 2> /dev/null || mktemp -d); trap 'rm -rf $TMPDIR' EXIT
 
   $ nrmpio-sim --list | cut -d' ' -f1
   big
@@ -36,7 +36,7 @@ An earlier world goes on, with what was done in it:
   mpathc\t(253, 2) (esc)
   lost
   $ nrmpio-sim --state $TMPDIR -- true
-  nrmpio-sim: */worlds: no world of nrmpio-sim; make one with --keep (glob)
+  nrmpio-sim: */tmp.*: no world of nrmpio-sim; make one with --keep (glob)
   [71]
   $ nrmpio-sim --state kept --scenario messy -- true 2> /dev/null
   [64]
@@ -57,7 +57,7 @@ Sixteen tools at once leave a world in which everything fits together:
   3
   $ cd busy; for device in block/dm-*; do
   >   [ $(readlink names/$(cat $device/dm/name)) = ../$device ] || echo name: $device
-  >   [ $(readlink numbers/$(cat $device/dev)) = ../$device ] || echo number: $device
+  >   [ $(readlink sys/dev/block/$(cat $device/dev)) = ../../$device ] || echo number: $device
   >   [ -e dev/$(basename $device) ] || echo node: $device
   >   for slave in $device/slaves/*; do
   >     [ ! -h $slave ] || [ -e $slave/holders/$(basename $device) ] || echo holder: $slave

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,12 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include "mount_table.h"
 #include "redirect.h"
 
 namespace {
@@ -48,12 +51,12 @@ protected:
         write(world / "dev/sda", "block 8:0\n");
         write(world / "dev/sdb", "block 8:16\n"); // a node without a device
         write(world / "dev/mapper/plain", "text\n");
-        write(world / "block/dm-0/image", "content of the map");
-        write(world / "block/sda/image", "content of the path");
+        write(world / "sys/block/dm-0/image", "content of the map");
+        write(world / "sys/block/sda/image", "content of the path");
         write(world / "proc/partitions", "of the world\n");
-        fs::create_directories(world / "numbers");
-        fs::create_symlink("../block/dm-0", world / "numbers/253:0");
-        fs::create_symlink("../block/sda", world / "numbers/8:0");
+        fs::create_directories(world / "sys/dev/block");
+        fs::create_symlink("../../block/dm-0", world / "sys/dev/block/253:0");
+        fs::create_symlink("../../block/sda", world / "sys/dev/block/8:0");
         enter();
     }
     void TearDown() override {
@@ -65,7 +68,7 @@ protected:
 
     /// True when no process has the map open.
     bool mapIsFree() const {
-        const int fd = open((world / "block/dm-0/image").c_str(), O_RDONLY);
+        const int fd = open((world / "sys/block/dm-0/image").c_str(), O_RDONLY);
         const bool free = flock(fd, LOCK_EX | LOCK_NB) == 0;
         close(fd);
         return free;
@@ -133,6 +136,19 @@ TEST_F(Interposition, LstatShowsTheLinkAndItsTarget) {
     EXPECT_STREQ("../dm-0", target);
 }
 
+TEST_F(Interposition, ANodeIsNoDirectory) {
+    for (const char* path : {"/dev/mapper/mpatha/", "/dev/mapper/mpatha/.", "/dev/dm-0//"}) {
+        struct stat status {};
+        EXPECT_EQ(-1, stat(path, &status)) << path;
+        EXPECT_EQ(ENOTDIR, errno) << path;
+        EXPECT_EQ(-1, open(path, O_RDONLY)) << path;
+        EXPECT_EQ(ENOTDIR, errno) << path;
+    }
+    struct stat status {};
+    ASSERT_EQ(0, stat("/dev/mapper/", &status));
+    EXPECT_TRUE(S_ISDIR(status.st_mode));
+}
+
 TEST_F(Interposition, AFileAmongTheNodesStaysAFile) {
     struct stat status {};
     ASSERT_EQ(0, stat("/dev/mapper/plain", &status));
@@ -150,13 +166,28 @@ TEST_F(Interposition, OnlyPathsOfWorldsAreRedirected) {
         {"/dev/mapper/../dm-0", "/dev/dm-0"},
         {"/dev/mpath/x", "/dev/mpath/x"},
         {"/dev/sdaa1", "/dev/sdaa1"},
+        {"/dev/mapper/", "/dev/mapper/"},
+        {"/dev/sda/", "/dev/sda/"},
+        {"/dev/sda/.", "/dev/sda/"},
         {"/proc/partitions", "/proc/partitions"},
+        {"/proc/swaps", "/proc/swaps"},
+        {"/proc/self/mountinfo", "/proc/self/mountinfo"},
+        {"/proc/self/mounts", "/proc/self/mounts"},
+        {"/proc/mounts", "/proc/mounts"},
+        {"/sys/block", "/sys/block"},
+        {"/sys/block/nvme0n1/size", "/sys/block/nvme0n1/size"},
+        {"/sys/dev/block/8:0/dm/../holders", "/sys/dev/block/8:0/holders"},
+        {"/sys/class/block/sda", "/sys/class/block/sda"},
         {"/dev/mapper/../null", nullptr},
         {"/dev/mapperx", nullptr},
         {"/dev/dm-", nullptr},
         {"/dev/sd", nullptr},
         {"/dev/null", nullptr},
-        {"/proc/self/mounts", nullptr},
+        {"/proc/self/mountstats", nullptr},
+        {"/proc/4711/mounts", nullptr},
+        {"/sys/blocks", nullptr},
+        {"/sys/dev/char/1:3", nullptr},
+        {"/sys", nullptr},
         {"/home/dev/sda", nullptr},
         {"dev/sda", nullptr},
         {"", nullptr},
@@ -236,8 +267,8 @@ TEST_F(Interposition, AnOpenMapIsInUseUntilItsLastDescriptorCloses) {
 }
 
 TEST_F(Interposition, ThePathOfAMapDoesNotHoldTheMap) {
-    fs::remove(world / "block/sda/image");
-    fs::create_symlink("../dm-0/image", world / "block/sda/image");
+    fs::remove(world / "sys/block/sda/image");
+    fs::create_hard_link(world / "sys/block/dm-0/image", world / "sys/block/sda/image");
     const int fd = open("/dev/sda", O_RDONLY);
     EXPECT_GE(fd, 0);
     EXPECT_TRUE(mapIsFree());
@@ -257,6 +288,132 @@ TEST_F(Interposition, DirectoriesAreListedAndNodesTakenAway) {
     EXPECT_EQ(-1, access(Map, F_OK));
     EXPECT_EQ(0, symlink("../dm-0", Map));
     EXPECT_EQ(0, access(Map, F_OK));
+}
+
+TEST_F(Interposition, SysfsShowsTheDevicesOfTheWorldOnly) {
+    write(world / "sys/block/dm-0/dm/name", "mpatha\n");
+    fs::create_directories(world / "sys/block/dm-0/holders/dm-1");
+    EXPECT_EQ("mpatha\n", read("/sys/dev/block/253:0/dm/name"));
+    EXPECT_EQ(0, access("/sys/dev/block/253:0/holders", R_OK));
+    char target[64] = {};
+    EXPECT_GT(readlink("/sys/dev/block/253:0", target, sizeof target), 0);
+    EXPECT_STREQ("../../block/dm-0", target);
+    const struct {
+        const char* directory;
+        std::set<std::string> names;
+    } cases[] = {
+        {"/sys/block", {"dm-0", "sda"}},
+        {"/sys/dev/block", {"253:0", "8:0"}},
+        {"/sys/dev/block/253:0/holders/", {"dm-1"}},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.directory);
+        std::set<std::string> iterated;
+        for (const fs::directory_entry& entry : fs::directory_iterator(test.directory))
+            iterated.insert(entry.path().filename());
+        EXPECT_EQ(test.names, iterated);
+        dirent** list = nullptr;
+        const int count = scandir(test.directory, &list, nullptr, alphasort);
+        EXPECT_EQ(test.names.size() + 2, static_cast<size_t>(count)); // with "." and ".."
+        for (int i = 0; i < count; ++i)
+            free(list[i]);
+        free(list);
+    }
+}
+
+// ---- what a process has open
+
+/// A process that has a file open, and its descriptor as /proc names it.
+class Opener {
+public:
+    explicit Opener(const char* path) {
+        int ready[2];
+        EXPECT_EQ(0, pipe(ready));
+        const int fd = open(path, O_RDONLY);
+        child_ = fork();
+        if (child_ == 0) {
+            char nothing;
+            close(ready[1]);
+            _exit(::read(ready[0], &nothing, 1) == 0 ? 0 : 1); // until the parent ends or closes
+        }
+        close(ready[0]);
+        close(fd);
+        end_ = ready[1];
+        descriptor = "/proc/" + std::to_string(child_) + "/fd/" + std::to_string(fd);
+    }
+    Opener(const Opener&) = delete;
+    Opener& operator=(const Opener&) = delete;
+    ~Opener() {
+        close(end_);
+        waitpid(child_, nullptr, 0);
+    }
+    std::string descriptor;
+
+private:
+    pid_t child_ = -1;
+    int end_ = -1;
+};
+
+TEST_F(Interposition, ADescriptorOnADeviceLooksLikeTheDeviceInEveryProcess) {
+    write(world / "sys/block/other/image/text", "");
+    const struct {
+        std::string opened;
+        dev_t number; // 0: no device
+        std::string link;
+    } cases[] = {
+        {Map, makedev(253, 0), "/dev/dm-0"},
+        {"/dev/sda", makedev(8, 0), "/dev/sda"},
+        {world / "dev/mapper/plain", 0, world / "dev/mapper/plain"},
+        {world / "sys/block/other/image/text", 0, world / "sys/block/other/image/text"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.opened);
+        const Opener opener(test.opened.c_str());
+        const char* path = opener.descriptor.c_str();
+        for (const StatCall& call :
+             {StatCall{"stat", symbol<Stat>("stat")}, statAt("fstatat"), StatCall{"statx", viaStatx}}) {
+            struct stat status {};
+            ASSERT_EQ(0, call.call(path, &status)) << call.name;
+            EXPECT_EQ(test.number != 0, S_ISBLK(status.st_mode)) << call.name;
+            EXPECT_EQ(test.number, status.st_rdev) << call.name;
+        }
+        struct stat status {};
+        ASSERT_EQ(0, lstat(path, &status));
+        EXPECT_TRUE(S_ISLNK(status.st_mode));
+        EXPECT_EQ(test.link, fs::read_symlink(path));
+        char target[6] = {};
+        EXPECT_EQ(4, readlinkat(AT_FDCWD, path, target, 4)); // cut, as by the kernel
+        EXPECT_EQ(test.link.substr(0, 4), target);
+    }
+}
+
+TEST_F(Interposition, TheTablesOfMountsAreTheMachinesAndThenTheWorlds) {
+    const std::string line = "/dev/mapper/mpatha /data ext4 rw 0 0\n";
+    write(world / "proc/self/mounts", line);
+    write(world / "proc/self/mountinfo", line);
+    fs::create_symlink("self/mounts", world / "proc/mounts");
+    for (const char* table : {"/proc/self/mounts", "/proc/mounts", "/proc/self/mountinfo"}) {
+        SCOPED_TRACE(table);
+        const std::string text = read(table);
+        ASSERT_GT(text.size(), line.size());
+        EXPECT_EQ("\n" + line, text.substr(text.size() - line.size() - 1));
+    }
+    const int fd = open("/proc/mounts", O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(FD_CLOEXEC, fcntl(fd, F_GETFD));
+    close(fd);
+}
+
+TEST_F(Interposition, AMachinesMountIsNotTakenForOneOfADeviceOfTheWorld) {
+    write(world / "machine",
+          "27 1 8:0 / / rw - ext4 /dev/sda rw\n28 27 8:1 / /boot rw - ext4 /dev/sda1 rw\n");
+    write(world / "mountinfo", "77 1 8:0 / /data rw - ext4 /dev/sda rw\n");
+    const int fd = sim::openMountTable((world / "machine").c_str(), (world / "mountinfo").c_str(), O_RDONLY);
+    char text[256] = {};
+    EXPECT_GT(::read(fd, text, sizeof text - 1), 0);
+    EXPECT_STREQ("27 1 0:0 / / rw - ext4 /dev/sda rw\n28 27 8:1 / /boot rw - ext4 /dev/sda1 rw\n"
+                 "77 1 8:0 / /data rw - ext4 /dev/sda rw\n",
+                 text);
+    close(fd);
 }
 
 } // namespace

@@ -70,12 +70,12 @@ STEPS_AT_STATE = [
     ("more than 9 part", [f"{TWELVE} | sfdisk -q /dev/mapper/mpathb"]),
     ("mpatha2 held", ["hold mpatha2"]),
     ("mpathb held", ["hold mpathb"]),
-    ("a mounted part", ["hold mpatha3"]),
+    ("a mounted part", ["simctl mount mpatha3 /mnt"]),
     ("queueing, all", ["dmsetup message mpatha 0 queue_if_no_path", "simctl path sdd offline",
                        "simctl path sdg offline", "read mpatha"]),
 ]
 STEPS_BEFORE = {
-    "dm_remove_part": ["release"], "mp_f_ok": ["release"], "kpartx_a_after_umount": ["release"],
+    "dm_remove_part": ["release"], "mp_f_ok": ["release"], "kpartx_a_after_umount": ["simctl unmount mpatha3"],
     "q_back": ["release", "simctl path sdd running", "simctl path sdg running"],
 }
 STEPS_BEFORE_WITH_DAEMON = {
