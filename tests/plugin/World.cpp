@@ -1,7 +1,6 @@
 #include "World.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdarg>
@@ -11,6 +10,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <list>
+#include <map>
 #include <optional>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -27,16 +27,16 @@ namespace {
 struct Script {
     world::Lines lines;
     world::Lines transcript;
-    bool departed = false;      // from here on nothing happens as the script says
-    std::string level;          // "@5" once the debug level was read for the next command
-    std::vector<EvDebug*> logs; // made and not ended
-    std::size_t fresh = 0;      // how many of them, the latest, no call has followed yet
+    bool departed = false; // from here on nothing happens as the script says
+    std::optional<world::Fault> fault;
+    std::map<std::string, world::Lines> answers; // by question, where there is a fault
+    std::string level;                           // "@5" once the debug level was read for the next command
+    std::vector<EvDebug*> logs;                  // made and not ended
+    std::size_t fresh = 0;                       // how many of them, the latest, no call has followed yet
 };
 
-Script* script = nullptr;
-const world::Everything* everything = nullptr;
-std::atomic<int> openLogs{0};
-std::chrono::seconds now(3600);
+thread_local Script* script = nullptr;
+thread_local std::chrono::seconds now(3600);
 const char* watchedLibrary = nullptr;
 world::ModuleStrings* watched = nullptr;
 
@@ -51,8 +51,39 @@ std::pair<std::string, std::string> lines(const std::string& call) {
     return {line + call, index < script->lines.size() ? script->lines[index] : ""};
 }
 
+/** What a call asks, however it is indented and traced. */
+std::string question(const std::string& call) {
+    const auto start = std::min(call.find_first_not_of(" -"), call.size());
+    std::string text = call.substr(start, call.find(" (holds ") - start);
+    if (text.rfind("run ", 0) == 0)
+        text.erase(4, text.find(' ', 4) - 3);
+    return text;
+}
+
+/** The words of the answer where one call of the script has a fault; none for a call that fails. */
+std::optional<world::Lines> faultyAnswer(const std::string& call) {
+    const world::Fault& fault = *script->fault;
+    const std::size_t line = script->transcript.size();
+    script->transcript.push_back(question(call));
+    const std::string& asked = script->transcript.back();
+    if (line == fault.line)
+        return fault.answer;
+    if (line > fault.line && fault.lasting && asked == script->transcript[fault.line])
+        return fault.answer;
+    const auto known = script->answers.find(asked);
+    if (known != script->answers.end())
+        return known->second;
+    if (!fault.othersSucceed)
+        return std::nullopt;
+    return asked.rfind("stat ", 0) == 0 ? world::Lines{"block", "9:1"} : world::Lines{"0"};
+}
+
 /** The words of the script's answer to a call; none when the script says something else. */
 std::optional<world::Lines> answer(const std::string& call) {
+    if (script->fault) {
+        script->fresh = 0;
+        return faultyAnswer(call);
+    }
     const auto [happened, scripted] = lines(call);
     const auto arrow = scripted.find(" -> ");
     script->departed = script->departed || scripted.substr(0, arrow) != happened;
@@ -80,12 +111,10 @@ private:
 };
 
 int statNode(const char* path, struct stat* info) {
-    if (!script && !everything)
+    if (!script)
         return fstatat(AT_FDCWD, path, info, 0);
     ErrnoKeeper keeper;
-    const auto words = script              ? answer(std::string("stat ") + world::escape(path))
-                       : everything->nodes ? world::Lines{"block", "253:0"}
-                                           : world::Lines{"errno", "2"};
+    const auto words = answer(std::string("stat ") + world::escape(path));
     if (!words || words->size() != 2 || words->front() == "errno") {
         keeper.fail(words && words->size() == 2 ? words->back() : "5");
         return -1;
@@ -114,8 +143,6 @@ FILE* fileOf(const std::string& text) {
 class LogWriter : public CLogWriterInterface {
 public:
     int getDebugLevel() override {
-        if (!script)
-            return 0;
         const auto [call, scripted] = lines("run ");
         const auto end = scripted.find(' ', call.size());
         const auto at = std::min(scripted.find('@'), end);
@@ -134,6 +161,14 @@ void play(const Lines& lines) {
     script->lines = lines;
 }
 
+void play(const Lines& lines, const Fault& fault) {
+    script = new Script;
+    script->fault = fault;
+    for (const std::string& line : lines)
+        if (const auto arrow = line.find(" -> "); arrow != std::string::npos)
+            script->answers[question(line.substr(0, arrow))] = words(line.substr(arrow + 4));
+}
+
 Lines finish() {
     if (!script->logs.empty())
         answer("log never ended");
@@ -141,19 +176,6 @@ Lines finish() {
     delete script;
     script = nullptr;
     return transcript;
-}
-
-Always::Always(const Everything& everyAnswer) : answers(everyAnswer) {
-    ::everything = &answers;
-    ::openLogs = 0;
-}
-
-Always::~Always() {
-    ::everything = nullptr;
-}
-
-int Always::openLogs() const {
-    return ::openLogs;
 }
 
 void setLogWriter(bool present) {
@@ -212,10 +234,6 @@ boost::shared_ptr<CLogWriterInterface> g_ptrLogWriter;
 
 int NrProcess::system(const char* command, std::string* out, std::string* err, int option, bool quiet) {
     const ErrnoKeeper keeper;
-    if (!script) {
-        *out = *err = everything->output;
-        return everything->status;
-    }
     std::string call = std::string("run ") + (quiet ? "quiet" : "traced") + script->level + ' ';
     script->level.clear();
     if (option != 0 || out == err)
@@ -227,9 +245,6 @@ int NrProcess::system(const char* command, std::string* out, std::string* err, i
 }
 
 EvDebug::EvDebug(EvDebugFileInstance* instance) {
-    ++openLogs;
-    if (!script)
-        return;
     script->logs.push_back(this);
     ++script->fresh;
     if (instance)
@@ -237,9 +252,6 @@ EvDebug::EvDebug(EvDebugFileInstance* instance) {
 }
 
 EvDebug::~EvDebug() {
-    --openLogs;
-    if (!script)
-        return;
     if (script->fresh > 0 || script->logs.back() != this)
         answer("log ended before its time");
     script->logs.pop_back();
@@ -247,8 +259,6 @@ EvDebug::~EvDebug() {
 
 void EvDebug::Debug(const char* functionName, const char* format, ...) {
     const ErrnoKeeper keeper;
-    if (!script)
-        return;
     va_list values;
     va_start(values, format);
     char* text = nullptr;
@@ -266,7 +276,7 @@ int getPartitions(const char* device, std::list<slice>& slices) {
     if (!slices.empty())
         call += " (holds " + std::to_string(slices.size()) + ")";
     slices.clear();
-    const auto words = script ? answer(call) : world::Lines{"2", "0+0", "2048+16384"};
+    const auto words = answer(call);
     if (!words || words->empty())
         return -99;
     for (std::size_t i = 1; i < words->size(); ++i) {
@@ -291,10 +301,10 @@ int narrowStat(const char* path, struct stat* info) {
 }
 
 FILE* fopen(const char* path, const char* mode) {
-    if ((!script && !everything) || std::strcmp(path, "/proc/partitions") != 0)
+    if (!script || std::strcmp(path, "/proc/partitions") != 0)
         return next<FILE*(const char*, const char*)>("fopen64")(path, mode);
     ErrnoKeeper keeper;
-    const auto words = script ? answer("open /proc/partitions") : world::Lines{everything->output};
+    const auto words = answer("open /proc/partitions");
     if (words && words->size() == 1)
         return fileOf(words->front());
     keeper.fail(words && words->size() == 2 ? words->back() : "5");
@@ -303,7 +313,7 @@ FILE* fopen(const char* path, const char* mode) {
 
 unsigned sleep(unsigned seconds) {
     if (!script)
-        return everything ? 0 : next<unsigned(unsigned)>("sleep")(seconds);
+        return next<unsigned(unsigned)>("sleep")(seconds);
     const ErrnoKeeper keeper;
     const auto words = answer("sleep " + std::to_string(seconds));
     const unsigned left = words && !words->empty() ? static_cast<unsigned>(std::stoul(words->front())) : 0;

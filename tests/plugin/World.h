@@ -16,6 +16,8 @@
  * What comes while a log object lives is indented by two, and the first of it begins with "- ".
  * What stands behind the arrow is the answer. A call that is not the next line of the script is
  * written down without an answer and fails, as do all that follow it.
+ *
+ * Each thread plays its own script.
  */
 #ifndef WORLD_H
 #define WORLD_H
@@ -31,27 +33,20 @@ using Lines = std::vector<std::string>;
 void play(const Lines& script);
 Lines finish();
 
-/** One answer for every call, whatever it asks. Calls may come from several threads. */
-struct Everything {
-    std::string output; /**< Of every command, on both streams, and of /proc/partitions. */
-    int status;         /**< Of every command. */
-    bool nodes;         /**< Every path is the block device 253:0, or none exists. */
+/** One call of a script, answered otherwise. */
+struct Fault {
+    std::size_t line;   /**< Of the script. */
+    Lines answer;       /**< The words that stand behind the arrow instead. */
+    bool lasting;       /**< From then on the same call is always answered so. */
+    bool othersSucceed; /**< What calls that the script does not hold do: succeed without a word, or fail. */
 };
 
-/** Answers so until it is ended. */
-class Always {
-public:
-    explicit Always(const Everything& everything);
-    ~Always();
-    Always(const Always&) = delete;
-    Always& operator=(const Always&) = delete;
-
-    /** Log objects that were made and not ended. */
-    int openLogs() const;
-
-private:
-    const Everything answers;
-};
+/**
+ * As above, but on from the fault the calls may come in any order: each is answered as in the line
+ * of the script that asks the same. finish() gives the calls without blanks before them, and the
+ * commands without how they were traced.
+ */
+void play(const Lines& script, const Fault& fault);
 
 /**
  * Sets the log writer, or none. A library that has a log writer of its own puts it into the same
