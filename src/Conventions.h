@@ -2,10 +2,13 @@
 #ifndef CONVENTIONS_H
 #define CONVENTIONS_H
 
+#include <algorithm>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "NrMPIO.h"
 
@@ -18,10 +21,17 @@ inline bool refused(int* errCode, const char* errBuf) {
     return !errCode || !errBuf;
 }
 
-/** Copies text, up to its first NUL or to 1023 bytes, and fills the rest of the 1024 with NUL. */
-inline void copyText(const std::string& text, char* buffer) {
-    std::strncpy(buffer, text.c_str(), MAXMPIOPATHLEN - 1);
-    buffer[MAXMPIOPATHLEN - 1] = '\0';
+/** Copies text, up to its first NUL or to one byte less than size, and fills the rest with NUL. */
+inline void copyText(std::string_view text, char* buffer, std::size_t size = MAXMPIOPATHLEN) {
+    const std::size_t length = strnlen(text.data(), std::min(text.size(), size - 1));
+    std::memcpy(buffer, text.data(), length);
+    std::memset(buffer + length, 0, size - length);
+}
+
+/** Copies the path of name in directory, which ends in "/", by the same rule. */
+inline void copyPath(std::string_view directory, std::string_view name, char* buffer) {
+    std::memcpy(buffer, directory.data(), directory.size());
+    copyText(name, buffer + directory.size(), MAXMPIOPATHLEN - directory.size());
 }
 
 /** Reports a failed command and returns its code. */

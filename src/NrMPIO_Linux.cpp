@@ -12,14 +12,14 @@
 #include <unistd.h>
 
 #include "Conventions.h"
-#include "Decimal.h"
+#include "Dependencies.h"
 #include "DeviceNode.h"
 #include "Dmsetup.h"
 #include "EvDebug.h"
 #include "MPartIterator.h"
 #include "MTokenizer.h"
 #include "ModuleStrings.h"
-#include "NrRegEx.h"
+#include "PartitionsTable.h"
 #include "ToolRun.h"
 #include "VersionStamp.h"
 #include "getPartitions.h"
@@ -64,7 +64,7 @@ int getMPIODevices(void*, char** devices, int* count, int* errCode, char* errBuf
     const auto names = splitLines(tool.out);
     for (const std::string_view name : names)
         if (!name.empty() && copied < capacity)
-            copyText(mpiodprefx + std::string(name), devices[copied++]);
+            copyPath(mpiodprefx, name, devices[copied++]);
 
     *count = copied;
     const int lines = static_cast<int>(names.size());
@@ -216,44 +216,10 @@ int getPartitionDevices(void*, const char* device, NrPartInfo* parts, int* count
 // Paths
 // ---------------------------------------------------------------------------------------------
 
-/** One dependency in a listing such as "2 dependencies : (8, 80) (8, 48)". */
-struct Dependency {
-    DeviceNumber number;
-    std::size_t end; /**< Offset of the byte after it. */
-};
-
-/**
- * The first dependency in listing at or after position, up to the next NUL.
- *
- * The pattern is only tried on the digits, blanks and digits around a comma: regexec(3) needs time
- * with the square of a run of digits that no comma follows, which would be hours for a megabyte.
- */
-static std::optional<Dependency> findDependency(const NrRegEx& pattern, const std::string& listing,
-                                                std::size_t position) {
-    static const char digits[] = "0123456789";
-    for (;; ++position) {
-        const auto comma = listing.find_first_of(std::string_view(",\0", 2), position);
-        if (comma == std::string::npos || listing[comma] == '\0')
-            return std::nullopt;
-        const auto before = comma == 0 ? comma : listing.find_last_not_of(digits, comma - 1);
-        const auto start = std::max(position, before == std::string::npos ? 0 : before + 1);
-        const auto second = listing.find_first_not_of(' ', comma + 1);
-        const auto end = second == std::string::npos ? second : listing.find_first_not_of(digits, second);
-        std::string text;
-        if (start < comma && pattern.match(listing.substr(start, end - start), &text, nullptr)) {
-            const auto major = text.find_first_of("123456789");
-            return Dependency{{major == std::string::npos ? 0 : unsignedDecimal(text.c_str() + major),
-                               unsignedDecimal(text.c_str() + text.find(',') + 1)},
-                              start + text.size()};
-        }
-        position = comma;
-    }
-}
-
 int getUnderlyingDevices(void*, const char* device, char** paths, int* count, int* errCode, char* errBuf) {
     if (refused(errCode, errBuf))
         return -1;
-    const NrRegEx dependencyPattern("([0-9]+,[ ]+[0-9]+)", REG_EXTENDED);
+    const DependencyPattern dependencies;
     if (isMPIODevice(nullptr, device, errCode, errBuf) == 0)
         return notMultipathDevice;
 
@@ -274,10 +240,10 @@ int getUnderlyingDevices(void*, const char* device, char** paths, int* count, in
     int found = 0;
     int copied = 0;
     std::size_t position = 0;
-    while (const auto dependency = findDependency(dependencyPattern, tool.out, position)) {
+    while (const auto dependency = dependencies.find(tool.out, position)) {
         const std::string disk = getScsiDevName(dependency->number.major, dependency->number.minor);
         if (!disk.empty() && copied < capacity)
-            copyText("/dev/" + disk, paths[copied++]);
+            copyPath("/dev/", disk, paths[copied++]);
         ++found;
         position = dependency->end + 1;
     }
@@ -286,21 +252,13 @@ int getUnderlyingDevices(void*, const char* device, char** paths, int* count, in
 }
 
 std::string getScsiDevName(int major, int minor) {
-    const NrRegEx digits("[0-9]+", REG_EXTENDED);
-    const NrRegEx disk("sd[a-z]+", REG_EXTENDED);
+    const DiskPattern disk({major, minor});
     std::ifstream partitions("/proc/partitions");
     std::string line;
     std::string name;
-    std::string lineMajor;
-    NrRegEx::Range range;
-    while (std::getline(partitions, line)) {
-        if (!disk.match(line, &name, nullptr) || !digits.match(line, &lineMajor, &range))
-            continue;
-        const auto minorStart = std::min<std::size_t>(range.second + 1, line.size());
-        if (unsignedDecimal(lineMajor.c_str()) == major &&
-            unsignedDecimal(line.c_str() + minorStart) == minor)
+    while (std::getline(partitions, line))
+        if (disk.match(line, &name))
             return name;
-    }
     return {};
 }
 
