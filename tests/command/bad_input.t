@@ -20,16 +20,28 @@ Wrong usage, and names that never reach the library:
   $ nrmpio-sim -- ./try << 'END'
   > 
   > teleport
+  > shwo
   > --bogus list
   > --plugin
   > --plugin '' list
+  > --timeout 0 list
+  > --timeout 1e9 list
+  > --debug-level 10 list
+  > --log /nonexistent/log list
   > paths
+  > paths -x
   > paths /dev/mapper/mpatha /dev/mapper/mpathb
   > list --kpartx
+  > show --json --dot
+  > show --output NAME,,SIZE
+  > show --jobs 0
+  > show mpatha '[mpathb,mpathc]'
+  > delete --force /dev/mapper/mpatha
   > scsi-name 8
   > scsi-name 8 x
   > scsi-name -8 0
   > scsi-name 8 4294967296
+  > delete /dev/mapper/mpatha
   > delete ''
   > delete $'/dev/mapper/mpatha\n'
   > delete '/dev/mapper/mpatha;touch${IFS}pwned'
@@ -38,34 +50,67 @@ Wrong usage, and names that never reach the library:
   > is-multipath '/dev/mapper/mpath\a'
   > is-multipath $'/dev/mapper/mpath\xe4'
   > delete -- -F
-  > delete /dev/mapper/-F
+  > delete --yes /dev/mapper/-F
   > END
   --- 
   nrmpio: a command is required; nrmpio --help tells more
   status 64
   --- teleport
-  nrmpio: teleport is no command and no option; nrmpio --help tells more
+  nrmpio: teleport is no command; nrmpio --help tells more
+  status 64
+  --- shwo
+  nrmpio: shwo is no command; did you mean show?
   status 64
   --- --bogus list
-  nrmpio: The following argument was not expected: --bogus; nrmpio --help tells more
+  nrmpio: nrmpio list has no option --bogus; nrmpio list --help tells more
   status 64
   --- --plugin
   nrmpio: --plugin: 1 required PATH missing; nrmpio --help tells more
   status 64
   --- --plugin '' list
-  nrmpio: --plugin needs a path
+  nrmpio: --plugin is empty
   status 64
+  --- --timeout 0 list
+  nrmpio: --timeout 0 is no number of seconds above 0 and up to 86400
+  status 64
+  --- --timeout 1e9 list
+  nrmpio: --timeout 1e9 is no number of seconds above 0 and up to 86400
+  status 64
+  --- --debug-level 10 list
+  nrmpio: --debug-level 10 is no decimal number from 0 to 9
+  status 64
+  --- --log /nonexistent/log list
+  nrmpio: cannot write the log /nonexistent/log: No such file or directory
+  status 2
   --- paths
-  nrmpio: DEVICE is required; nrmpio --help tells more
+  nrmpio: DEVICE is required; nrmpio paths --help tells more
+  status 64
+  --- paths -x
+  nrmpio: nrmpio paths has no option -x; nrmpio paths --help tells more
   status 64
   --- paths /dev/mapper/mpatha /dev/mapper/mpathb
-  nrmpio: The following argument was not expected: /dev/mapper/mpathb; nrmpio --help tells more
+  nrmpio: /dev/mapper/mpathb is one word too many; nrmpio paths --help tells more
   status 64
   --- list --kpartx
-  nrmpio: The following argument was not expected: --kpartx; nrmpio --help tells more
+  nrmpio: nrmpio list has no option --kpartx; nrmpio list --help tells more
+  status 64
+  --- show --json --dot
+  nrmpio: --json, --list, --pairs and --dot exclude one another
+  status 64
+  --- show --output NAME,,SIZE
+  nrmpio: --output needs the names of columns with commas between them
+  status 64
+  --- show --jobs 0
+  nrmpio: --jobs 0 is no decimal number from 1 to 256
+  status 64
+  --- show mpatha '[mpathb,mpathc]'
+  nrmpio: a device name cannot contain [
+  status 64
+  --- delete --force /dev/mapper/mpatha
+  nrmpio: nrmpio delete has no option --force; nrmpio delete --help tells more
   status 64
   --- scsi-name 8
-  nrmpio: MINOR is required; nrmpio --help tells more
+  nrmpio: MINOR is required; nrmpio scsi-name --help tells more
   status 64
   --- scsi-name 8 x
   nrmpio: the minor number x is no decimal number from 0 to 2147483647
@@ -75,6 +120,9 @@ Wrong usage, and names that never reach the library:
   status 64
   --- scsi-name 8 4294967296
   nrmpio: the minor number 4294967296 is no decimal number from 0 to 2147483647
+  status 64
+  --- delete /dev/mapper/mpatha
+  nrmpio: there is no terminal to ask on: confirm with --yes, or look with --dry-run first
   status 64
   --- delete ''
   nrmpio: the device name is empty
@@ -92,7 +140,7 @@ Wrong usage, and names that never reach the library:
   nrmpio: a device name cannot contain *
   status 64
   --- is-multipath '/dev/mapper/mpath\a'
-  nrmpio: a device name cannot contain \
+  nrmpio: a device name cannot contain \, which a shell reads differently
   status 64
   --- is-multipath $'/dev/mapper/mpath\xe4'
   nrmpio: a device name cannot contain the byte 0xe4
@@ -100,7 +148,7 @@ Wrong usage, and names that never reach the library:
   --- delete -- -F
   nrmpio: no part of a device name can begin with -: the multipath tools would take it for an option
   status 64
-  --- delete /dev/mapper/-F
+  --- delete --yes /dev/mapper/-F
   nrmpio: no part of a device name can begin with -: the multipath tools would take it for an option
   status 64
   $ ls pwned
@@ -114,10 +162,12 @@ Devices that do not exist:
   > is-partition nosuch
   > paths /dev/mapper/nosuch
   > paths list
+  > is-multipath try
+  > delete --yes /dev/null
   > partitions /dev/mapper/nosuch
-  > fail-if-no-path nosuch
-  > delete-partitions /dev/mapper/nosuch
-  > delete /dev/mapper/nosuch
+  > fail-if-no-path --yes nosuch
+  > delete-partitions --yes /dev/mapper/nosuch
+  > delete --yes /dev/mapper/nosuch
   > END
   --- is-multipath /dev/mapper/nosuch
   nrmpio: there is no device /dev/mapper/nosuch
@@ -131,16 +181,22 @@ Devices that do not exist:
   --- paths list
   nrmpio: there is no device list
   status 2
+  --- is-multipath try
+  nrmpio: try is not a block device
+  status 2
+  --- delete --yes /dev/null
+  nrmpio: /dev/null is not a block device
+  status 2
   --- partitions /dev/mapper/nosuch
   nrmpio: there is no device /dev/mapper/nosuch
   status 2
-  --- fail-if-no-path nosuch
+  --- fail-if-no-path --yes nosuch
   nrmpio: there is no device nosuch
   status 2
-  --- delete-partitions /dev/mapper/nosuch
+  --- delete-partitions --yes /dev/mapper/nosuch
   nrmpio: there is no device /dev/mapper/nosuch
   status 2
-  --- delete /dev/mapper/nosuch
+  --- delete --yes /dev/mapper/nosuch
   nrmpio: there is no device /dev/mapper/nosuch
   status 2
 
@@ -149,10 +205,10 @@ Devices that are no multipath device, with linear devices on them:
   $ nrmpio-sim -- ./try << 'END'
   > paths /dev/vda
   > partitions /dev/mapper/lin0
-  > fail-if-no-path /dev/vda
-  > delete-partitions /dev/vda
-  > delete /dev/vda
-  > delete /dev/mapper/lin0
+  > fail-if-no-path --yes /dev/vda
+  > delete-partitions --yes /dev/vda
+  > delete --yes /dev/vda
+  > delete --yes /dev/mapper/lin0
   > END
   --- paths /dev/vda
   nrmpio: /dev/vda is not a multipath device (code -6)
@@ -160,16 +216,16 @@ Devices that are no multipath device, with linear devices on them:
   --- partitions /dev/mapper/lin0
   nrmpio: /dev/mapper/lin0 is not a multipath device (code -6)
   status 2
-  --- fail-if-no-path /dev/vda
+  --- fail-if-no-path --yes /dev/vda
   nrmpio: /dev/vda is not a multipath device (code -6)
   status 2
-  --- delete-partitions /dev/vda
+  --- delete-partitions --yes /dev/vda
   nrmpio: /dev/vda is not a multipath device (code -6)
   status 2
-  --- delete /dev/vda
+  --- delete --yes /dev/vda
   nrmpio: /dev/vda is not a multipath device (code -6)
   status 2
-  --- delete /dev/mapper/lin0
+  --- delete --yes /dev/mapper/lin0
   nrmpio: /dev/mapper/lin0 is not a multipath device (code -6)
   status 2
 
@@ -177,13 +233,13 @@ Devices that do for other commands only:
 
   $ nrmpio-sim -- ./try << 'END'
   > partitions /dev/mapper/mpatha1
-  > fail-if-no-path /dev/mapper/mpatha1
+  > fail-if-no-path --yes /dev/mapper/mpatha1
   > END
   --- partitions /dev/mapper/mpatha1
   nrmpio: cannot list the partitions of /dev/mapper/mpatha1 (code -1): GetPartitions called on partition device /dev/mapper/mpatha1 part of mpatha
   status 2
-  --- fail-if-no-path /dev/mapper/mpatha1
-  nrmpio: cannot switch /dev/mapper/mpatha1 to fail I/O without paths (code 1): device-mapper: message ioctl on mpatha1  failed: Invalid argument; Command failed.
+  --- fail-if-no-path --yes /dev/mapper/mpatha1
+  nrmpio: mpatha1 is a partition mapping; name its map, mpatha
   status 2
 
 A plug-in that is missing, is none, or lacks an entry point:
@@ -211,7 +267,7 @@ A plug-in that is missing, is none, or lacks an entry point:
 
 No plug-in beside nrmpio nor in the installed place:
 
-  $ mkdir bin && cp "$(type -P nrmpio)" "$(dirname "$(type -P nrmpio)")/libKoUtils.so" bin
+  $ mkdir bin && cp "$(type -P nrmpio)" "$(dirname "$(type -P nrmpio)")"/lib{KoUtils,NrLib}.so bin
   $ bin/nrmpio list
   nrmpio: there is no plug-in at /*/bin/libNrMPIO_Linux.so or at /*/nrmpio/libNrMPIO_Linux.so; name one with --plugin (glob)
   [2]

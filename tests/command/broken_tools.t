@@ -38,28 +38,28 @@ Without rights, multipath cannot list:
   > is-multipath /dev/sdc
   > is-partition /dev/sdc
   > paths /dev/sdc
-  > delete /dev/sdc
+  > delete --yes /dev/sdc
   > END
   --- check
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
   --- list
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
   --- show
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
   --- is-multipath /dev/sdc
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
   --- is-partition /dev/sdc
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
   --- paths /dev/sdc
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
-  --- delete /dev/sdc
-  nrmpio: the multipath tools cannot list the maps (code 1): need to be root
+  --- delete --yes /dev/sdc
+  nrmpio: this needs root: multipath and device-mapper refuse ordinary users
   status 2
 
 Without dmsetup nothing is recognised:
@@ -71,36 +71,36 @@ Without dmsetup nothing is recognised:
   > is-partition /dev/mapper/mpatha1
   > paths /dev/mapper/mpatha
   > partitions /dev/mapper/mpatha
-  > fail-if-no-path /dev/mapper/mpatha
-  > delete-partitions /dev/mapper/mpatha
-  > delete /dev/mapper/mpatha
+  > fail-if-no-path --yes /dev/mapper/mpatha
+  > delete-partitions --yes /dev/mapper/mpatha
+  > delete --yes /dev/mapper/mpatha
   > END
   --- check
   Norvane: Linux Native MPIO
   status 0
   --- show
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
   --- is-multipath /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
   --- is-partition /dev/mapper/mpatha1
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
   --- paths /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
   --- partitions /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
-  --- fail-if-no-path /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  --- fail-if-no-path --yes /dev/mapper/mpatha
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
-  --- delete-partitions /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  --- delete-partitions --yes /dev/mapper/mpatha
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
-  --- delete /dev/mapper/mpatha
-  nrmpio: the multipath tools list maps, but dmsetup recognises none of them: is it installed, and are you root?
+  --- delete --yes /dev/mapper/mpatha
+  nrmpio: no multipath tools here: dmsetup is not installed (package dmsetup on Debian)
   status 2
 
 A single command fails; status 6 of a command is not taken for "not a multipath device":
@@ -113,8 +113,8 @@ A single command fails; status 6 of a command is not taken for "not a multipath 
   --- refresh
   nrmpio: cannot refresh the maps (code 3): no memory
   status 2
-  $ try "$(fault 'dmsetup message*' 1 'Command failed.\n' '')" <<< 'fail-if-no-path /dev/mapper/mpatha'
-  --- fail-if-no-path /dev/mapper/mpatha
+  $ try "$(fault 'dmsetup message*' 1 'Command failed.\n' '')" <<< 'fail-if-no-path --yes /dev/mapper/mpatha'
+  --- fail-if-no-path --yes /dev/mapper/mpatha
   nrmpio: cannot switch /dev/mapper/mpatha to fail I/O without paths (code 1): Command failed.
   status 2
 
@@ -125,48 +125,59 @@ The listing holds a warning, which is no map, and a map that has just gone:
   > show
   > END
   --- list
+  nrmpio: "sda: no (usable) path" stands in the list of maps, but there is no such map
+  nrmpio: "mpathz" stands in the list of maps, but there is no such map
   /dev/mapper/mpatha
-  /dev/mapper/sda: no (usable) path
-  /dev/mapper/mpathz
-  status 0
+  status 2
   --- show
-  nrmpio: /dev/mapper/sda: no (usable) path is listed, but a device name cannot contain a blank
-  nrmpio: there is no device /dev/mapper/mpathz
-  NAME      TYPE MAJ:MIN SIZE NODE
-  mpatha    map    253:0  64M /dev/mapper/mpatha
-  |-sdb     path    8:16      /dev/sdb
-  |-sda     path     8:0      /dev/sda
-  |-mpatha1 part   253:1   8M /dev/mapper/mpatha1
-  `-mpatha2 part   253:2   8M /dev/mapper/mpatha2
+  nrmpio: "sda: no (usable) path" stands in the list of maps, but there is no such map
+  nrmpio: "mpathz" stands in the list of maps, but there is no such map
+  NAME      TYPE MAJ:MIN SIZE STATE  NODE
+  mpatha    map    253:0  64M active /dev/mapper/mpatha
+  |-sdb     path    8:16  64M active /dev/sdb
+  |-sda     path     8:0  64M active /dev/sda
+  |-mpatha1 part   253:1   8M active /dev/mapper/mpatha1
+  `-mpatha2 part   253:2   8M active /dev/mapper/mpatha2
   status 2
 
 What the library takes for a "no" or for nothing is looked at once more:
 
   $ try "$(fault 'dmsetup info*' 1 'Command failed.\n' '')" <<< 'is-partition /dev/mapper/mpatha1'
   --- is-partition /dev/mapper/mpatha1
-  nrmpio: cannot list the paths of /dev/mapper/mpatha1 (code 1): Command failed.
+  nrmpio: dmsetup info -c --noheadings -o major,minor,open,attr,name failed (code 1): Command failed.
+  status 2
+  $ try "$(fault 'dmsetup table -j *' 1 'Command failed.\n' '')" <<< 'is-multipath /dev/mapper/mpatha1'
+  --- is-multipath /dev/mapper/mpatha1
+  nrmpio: dmsetup tells different things about /dev/mapper/mpatha1: try again, and see what fails with --trace
+  status 2
+  $ try "$(fault 'dmsetup info -c --noheadings -o name -j*' 1 'Command failed.\n' '')" <<< 'is-partition /dev/mapper/mpatha1'
+  --- is-partition /dev/mapper/mpatha1
+  nrmpio: dmsetup tells different things about /dev/mapper/mpatha1: try again, and see what fails with --trace
   status 2
   $ try "$(fault 'dmsetup deps*' 1 'Command failed.\n' '')" <<< 'partitions /dev/mapper/mpatha'
   --- partitions /dev/mapper/mpatha
   nrmpio: cannot list the paths of /dev/mapper/mpatha (code 1): Command failed.
   status 2
-  $ try "$(fault 'dmsetup table' 1 '' '')" <<< 'delete-partitions /dev/mapper/mpatha'
-  --- delete-partitions /dev/mapper/mpatha
-  nrmpio: cannot remove all partition mappings of /dev/mapper/mpatha
+  $ try "$(fault 'dmsetup table' 1 '' '')" <<< 'delete-partitions --yes /dev/mapper/mpatha'
+  --- delete-partitions --yes /dev/mapper/mpatha
+  nrmpio: dmsetup table failed (code 1):
   status 2
 
 A removal that fails is told, although the library calls it a success; one that succeeds when it is
 tried again, 10 seconds later, is no failure. What could be removed is gone in both cases:
 
   $ busy=$(fault 'dmsetup remove mpatha1' 1 'Device or resource busy\n' '')
-  $ try "$busy"$'\n'"$(fault 'dmsetup table mpatha1' 1 'gone\n' '')" <<< 'delete-partitions /dev/mapper/mpatha'
-  --- delete-partitions /dev/mapper/mpatha
+  $ try "$busy"$'\n'"$(fault 'dmsetup table mpatha1' 1 'gone\n' '')" <<< 'delete-partitions --yes /dev/mapper/mpatha'
+  --- delete-partitions --yes /dev/mapper/mpatha
   nrmpio: cannot remove all partition mappings of /dev/mapper/mpatha: Device or resource busy
+  nrmpio: mpatha1 is still there
+  nrmpio: when the reason is gone, run the same command again
   status 2
   stat: cannot statx '/dev/mapper/mpatha2': No such file or directory
   CHANGED
-  $ try "${busy/status/times = 1$'\n'status}" <<< 'delete-partitions /dev/mapper/mpatha'
-  --- delete-partitions /dev/mapper/mpatha
+  $ try "${busy/status/times = 1$'\n'status}" <<< 'delete-partitions --yes /dev/mapper/mpatha'
+  --- delete-partitions --yes /dev/mapper/mpatha
+  nrmpio: mpatha1 is busy (attempt 1 of 6), trying again in 10 s
   status 0
   stat: cannot statx '/dev/mapper/mpatha1': No such file or directory
   stat: cannot statx '/dev/mapper/mpatha2': No such file or directory
@@ -174,9 +185,11 @@ tried again, 10 seconds later, is no failure. What could be removed is gone in b
 
 A flush that fails, after the partition mappings have been removed:
 
-  $ try "$(fault 'multipath -f*' 1 'mpatha: map in use\n' '')" <<< 'delete /dev/mapper/mpatha'
-  --- delete /dev/mapper/mpatha
+  $ try "$(fault 'multipath -f*' 1 'mpatha: map in use\n' '')" <<< 'delete --yes /dev/mapper/mpatha'
+  --- delete --yes /dev/mapper/mpatha
   nrmpio: cannot delete /dev/mapper/mpatha (code 1): mpatha: map in use
+  nrmpio: mpatha is still there, with no mapping on it
+  nrmpio: when the reason is gone, run the same command again
   status 2
   stat: cannot statx '/dev/mapper/mpatha1': No such file or directory
   stat: cannot statx '/dev/mapper/mpatha2': No such file or directory

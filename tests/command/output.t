@@ -17,3 +17,8 @@ Where standard error is closed, no file takes its place:
 
   $ nrmpio-sim -- nrmpio paths nosuch 2>&-
   [2]
+
+A reader that has enough is no failure, and nothing is told, even where SIGPIPE was ignored:
+
+  $ trap '' PIPE; nrmpio-sim -- bash -c '{ nrmpio list; echo "status $?" >&2; } | true'
+  status 141

@@ -11,32 +11,32 @@ The tools work, and these are the maps:
   /dev/mapper/mpathb
   /dev/mapper/mpathc
   $ nrmpio show
-  NAME      TYPE MAJ:MIN SIZE NODE
-  mpatha    map    253:0  64M /dev/mapper/mpatha
-  |-sdf     path    8:80      /dev/sdf
-  |-sdd     path    8:48      /dev/sdd
-  |-mpatha1 part   253:3   8M /dev/mapper/mpatha1
-  |-mpatha2 part   253:4   8M /dev/mapper/mpatha2
-  `-mpatha3 part   253:5  16M /dev/mapper/mpatha3
-  mpathb    map    253:1  64M /dev/mapper/mpathb
-  |-sdi     path   8:128      /dev/sdi
-  |-sdh     path   8:112      /dev/sdh
-  |-sde     path    8:64      /dev/sde
-  `-sdc     path    8:32      /dev/sdc
-  mpathc    map    253:2  64M /dev/mapper/mpathc
-  |-sdg     path    8:96      /dev/sdg
-  |-sda     path     8:0      /dev/sda
-  |-mpathc1 part   253:6   8M /dev/mapper/mpathc1
-  |-mpathc2 part   253:7   1K /dev/mapper/mpathc2
-  |-mpathc5 part   253:8   8M /dev/mapper/mpathc5
-  `-mpathc6 part   253:9   8M /dev/mapper/mpathc6
+  NAME      TYPE MAJ:MIN SIZE STATE  NODE
+  mpatha    map    253:0  64M active /dev/mapper/mpatha
+  |-sdf     path    8:80  64M active /dev/sdf
+  |-sdd     path    8:48  64M active /dev/sdd
+  |-mpatha1 part   253:3   8M active /dev/mapper/mpatha1
+  |-mpatha2 part   253:4   8M active /dev/mapper/mpatha2
+  `-mpatha3 part   253:5  16M active /dev/mapper/mpatha3
+  mpathb    map    253:1  64M active /dev/mapper/mpathb
+  |-sdi     path   8:128  64M active /dev/sdi
+  |-sdh     path   8:112  64M active /dev/sdh
+  |-sde     path    8:64  64M active /dev/sde
+  `-sdc     path    8:32  64M active /dev/sdc
+  mpathc    map    253:2  64M active /dev/mapper/mpathc
+  |-sdg     path    8:96  64M active /dev/sdg
+  |-sda     path     8:0  64M active /dev/sda
+  |-mpathc1 part   253:6   8M active /dev/mapper/mpathc1
+  |-mpathc2 part   253:7   1K active /dev/mapper/mpathc2
+  |-mpathc5 part   253:8   8M active /dev/mapper/mpathc5
+  `-mpathc6 part   253:9   8M active /dev/mapper/mpathc6
   $ LC_ALL=C.UTF-8 nrmpio show | head -6
-  NAME      TYPE MAJ:MIN SIZE NODE
-  mpatha    map    253:0  64M /dev/mapper/mpatha
-  \xe2\x94\x9c\xe2\x94\x80sdf     path    8:80      /dev/sdf (esc)
-  \xe2\x94\x9c\xe2\x94\x80sdd     path    8:48      /dev/sdd (esc)
-  \xe2\x94\x9c\xe2\x94\x80mpatha1 part   253:3   8M /dev/mapper/mpatha1 (esc)
-  \xe2\x94\x9c\xe2\x94\x80mpatha2 part   253:4   8M /dev/mapper/mpatha2 (esc)
+  NAME      TYPE MAJ:MIN SIZE STATE  NODE
+  mpatha    map    253:0  64M active /dev/mapper/mpatha
+  \xe2\x94\x9c\xe2\x94\x80sdf     path    8:80  64M active /dev/sdf (esc)
+  \xe2\x94\x9c\xe2\x94\x80sdd     path    8:48  64M active /dev/sdd (esc)
+  \xe2\x94\x9c\xe2\x94\x80mpatha1 part   253:3   8M active /dev/mapper/mpatha1 (esc)
+  \xe2\x94\x9c\xe2\x94\x80mpatha2 part   253:4   8M active /dev/mapper/mpatha2 (esc)
 
 A map, a mapping on a map, a bare name; a path, a disk, a linear device on a disk and one on that:
 
@@ -89,34 +89,6 @@ Partitions of a GPT, of no table, of a DOS table with an extended partition:
        5 20480   16384   253:8 /dev/mapper/mpathc5
        6 40960   16384   253:9 /dev/mapper/mpathc6
 
-Without a mapping a partition is listed all the same; with --kpartx it gets one, and keeps it:
-
-  $ nrmpio-sim -- bash -e << 'END'
-  > dmsetup remove mpatha2
-  > nrmpio partitions /dev/mapper/mpatha
-  > nrmpio show | head -6
-  > nrmpio partitions --kpartx /dev/mapper/mpatha
-  > nrmpio partitions /dev/mapper/mpatha
-  > END
-  NUMBER START SECTORS MAJ:MIN NODE
-       1  2048   16384   253:3 /dev/mapper/mpatha1
-       2     -       -       - -
-       3 34816   32768   253:5 /dev/mapper/mpatha3
-  NAME          TYPE     MAJ:MIN SIZE NODE
-  mpatha        map        253:0  64M /dev/mapper/mpatha
-  |-sdf         path        8:80      /dev/sdf
-  |-sdd         path        8:48      /dev/sdd
-  |-mpatha1     part       253:3   8M /dev/mapper/mpatha1
-  |-partition 2 unmapped              -
-  NUMBER START SECTORS MAJ:MIN NODE
-       1  2048   16384   253:3 /dev/mapper/mpatha1
-       2 18432   16384   253:4 /dev/mapper/mpatha2
-       3 34816   32768   253:5 /dev/mapper/mpatha3
-  NUMBER START SECTORS MAJ:MIN NODE
-       1  2048   16384   253:3 /dev/mapper/mpatha1
-       2 18432   16384   253:4 /dev/mapper/mpatha2
-       3 34816   32768   253:5 /dev/mapper/mpatha3
-
 A disk's name from its number:
 
   $ nrmpio scsi-name 8 16
@@ -125,16 +97,74 @@ A disk's name from its number:
   nrmpio: no SCSI disk has the number 8:255
   [2]
 
-The trace tells what the library ran; without it nothing is told:
+Other names of the same device: that of its number, bare or with its directory, and a path that goes round about:
 
-  $ nrmpio paths --trace /dev/mapper/mpatha 2>&1 | sed -E 's/^.*NrProcess::system: (status [0-9]+) after [0-9]+ ms/\1/'
-  status 0: dmsetup table -j 253 -m 0
-  status 0: dmsetup table -j 253 -m 0
-  status 0: dmsetup info -c --noheadings -o name -j 253 -m 0
-  status 0: dmsetup deps mpatha\n
-  /dev/sdf
-  /dev/sdd
-  $ nrmpio paths /dev/mapper/mpatha 2>&1 >/dev/null
+  $ nrmpio-sim -- bash << 'END'
+  > for device in dm-0 /dev/dm-0 /dev//mapper/../dm-0; do nrmpio is-partition --json $device | grep device; done
+  > nrmpio paths vda
+  > END
+    "device": "/dev/mapper/mpatha",
+    "device": "/dev/mapper/mpatha",
+    "device": "/dev/mapper/mpatha",
+  nrmpio: /dev/vda is not a multipath device (code -6)
+  [2]
+
+As JSON:
+
+  $ nrmpio check --json
+  {
+    "vendor": "Norvane: Linux Native MPIO"
+  }
+  $ nrmpio list --json | tr -d ' \n'
+  {"maps":["/dev/mapper/mpatha","/dev/mapper/mpathb","/dev/mapper/mpathc"]} (no-eol)
+  $ nrmpio paths --json mpatha
+  {
+    "device": "/dev/mapper/mpatha",
+    "paths": [
+      "/dev/sdf",
+      "/dev/sdd"
+    ]
+  }
+  $ nrmpio is-multipath --json vda
+  {
+    "device": "/dev/vda",
+    "multipath": false
+  }
+  [1]
+  $ nrmpio is-partition --json mpathc5
+  {
+    "device": "/dev/mapper/mpathc5",
+    "partition": true,
+    "parent": "/dev/mapper/mpathc"
+  }
+  $ nrmpio is-partition --json mpathc
+  {
+    "device": "/dev/mapper/mpathc",
+    "partition": false,
+    "parent": null
+  }
+  [1]
+  $ nrmpio scsi-name --json 8 16
+  {
+    "major": 8,
+    "minor": 16,
+    "name": "sdb"
+  }
+  $ nrmpio-sim -- bash -c 'dmsetup remove mpatha2; nrmpio partitions --json mpatha' | tr -d ' \n'
+  {"device":"/dev/mapper/mpatha","partitions":[{"number":1,"start":2048,"sectors":16384,"major":253,"minor":3,"node":"/dev/mapper/mpatha1"},{"number":2,"start":null,"sectors":null,"major":null,"minor":null,"node":null},{"number":3,"start":34816,"sectors":32768,"major":253,"minor":5,"node":"/dev/mapper/mpatha3"}]} (no-eol)
+
+A name in the listing that no device can have, and one that no device has, are told:
+
+  $ printf '[[lun]]\n[[fault]]\ncommand = "multipath -d*"\nstatus = 0\nstdout = "mpatha\\nmpathz\\n\\nb\\u00e4\\n"\n' > odd.toml
+  $ nrmpio-sim -s odd.toml -- nrmpio list --json
+  nrmpio: "mpathz" stands in the list of maps, but there is no such map
+  nrmpio: "b\xc3\xa4" stands in the list of maps, but there is no such map
+  {
+    "maps": [
+      "/dev/mapper/mpatha"
+    ]
+  }
+  [2]
 
 A plug-in can be named, also one in the working directory:
 
@@ -144,22 +174,11 @@ A plug-in can be named, also one in the working directory:
 
 Help and version need no plug-in, and every command's help has an example:
 
-  $ mkdir bare && cp "$(type -P nrmpio)" libKoUtils.so bare
+  $ mkdir bare && cp "$(type -P nrmpio)" lib{KoUtils,NrLib}.so bare
   $ bare/nrmpio --version
   nrmpio 0.1.0.0
   $ for command in '' $(bare/nrmpio --help | sed '1,/^Commands:/d; /^$/,$d; s/^  \([a-z-]*\).*/\1/'); do
   >   bare/nrmpio $command --help | grep Example
   > done
   Example: nrmpio show
-  Example: nrmpio check
-  Example: nrmpio list
-  Example: nrmpio show
-  Example: nrmpio is-multipath /dev/mapper/mpatha && echo good
-  Example: nrmpio is-partition /dev/mapper/mpatha1
-  Example: nrmpio paths /dev/mapper/mpatha
-  Example: nrmpio partitions --kpartx /dev/mapper/mpatha
-  Example: nrmpio refresh
-  Example: nrmpio fail-if-no-path /dev/mapper/mpatha
-  Example: nrmpio delete-partitions /dev/mapper/mpatha
-  Example: nrmpio delete /dev/mapper/mpatha
-  Example: nrmpio scsi-name 8 16
+  Example: nrmpio delete --dry-run /dev/mapper/mpatha

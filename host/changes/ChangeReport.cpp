@@ -1,0 +1,38 @@
+#include "ChangeReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include "CommandGate.h"
+#include "Output.h"
+
+using Json = nlohmann::ordered_json;
+
+void printRehearsal() {
+    for (const Change& change : CommandGate::current().changes())
+        printLine(change.line);
+}
+
+static Json asJson(const std::optional<DeviceName>& device) {
+    Json commands = Json::array();
+    Json removed = Json::array();
+    for (const Change& change : CommandGate::current().changes()) {
+        Json command = {{"command", change.line}};
+        command["status"] = change.status ? Json(*change.status) : Json(nullptr);
+        commands.push_back(std::move(command));
+        const auto action = change.command.action;
+        if (change.status == 0 &&
+            (action == ToolCommand::Action::remove || action == ToolCommand::Action::flush))
+            removed.push_back(change.command.name);
+    }
+    return {{"device", device ? Json(device->text()) : Json(nullptr)},
+            {"dryRun", CommandGate::current().rehearses()},
+            {"commands", std::move(commands)},
+            {"removed", std::move(removed)}};
+}
+
+void reportChanges(const Arguments& arguments, const std::optional<DeviceName>& device) {
+    if (arguments.json)
+        printLine(asJson(device).dump(2));
+    else if (CommandGate::current().rehearses())
+        printRehearsal();
+}

@@ -1,0 +1,30 @@
+#include "PolicyCheck.h"
+
+#include <string>
+
+#include "Countdown.h"
+#include "NrProcess.h"
+
+using Seconds = std::chrono::seconds;
+
+/** The listing of one map warns on standard error where it does not, see multipath(8). */
+static bool daemonRuns(const Mapping& map) {
+    std::string listing;
+    std::string warnings;
+    const int status = NrProcess::system(("multipath -l " + map.name).c_str(), &listing, &warnings, 0, false);
+    return status == 0 && warnings.find("multipathd service is not running") == std::string::npos;
+}
+
+bool queueingComesBack(const Mapping& map, int seconds) {
+    if (seconds == 0 || !daemonRuns(map))
+        return false;
+    const Countdown countdown("looking whether the daemon takes it back:", Seconds(seconds));
+    for (int second = 0; second < seconds; ++second) {
+        std::this_thread::sleep_for(Seconds(1));
+        const DeviceMapper now = DeviceMapper::read();
+        const Mapping* same = now.find(map.number);
+        if (!same || same->queuesWithoutPath())
+            return same != nullptr;
+    }
+    return false;
+}
