@@ -1,11 +1,8 @@
 #include "ChangeReport.h"
 
-#include <nlohmann/json.hpp>
-
 #include "CommandGate.h"
+#include "Json.h"
 #include "Output.h"
-
-using Json = nlohmann::ordered_json;
 
 void printRehearsal() {
     for (const Change& change : CommandGate::current().changes())
@@ -19,9 +16,7 @@ static Json asJson(const std::optional<DeviceName>& device) {
         Json command = {{"command", change.line}};
         command["status"] = change.status ? Json(*change.status) : Json(nullptr);
         commands.push_back(std::move(command));
-        const auto action = change.command.action;
-        if (change.status == 0 &&
-            (action == ToolCommand::Action::remove || action == ToolCommand::Action::flush))
+        if (change.status == 0 && change.command.removes())
             removed.push_back(change.command.name);
     }
     return {{"device", device ? Json(device->text()) : Json(nullptr)},
@@ -32,7 +27,7 @@ static Json asJson(const std::optional<DeviceName>& device) {
 
 void reportChanges(const Arguments& arguments, const std::optional<DeviceName>& device) {
     if (arguments.json)
-        printLine(asJson(device).dump(2));
+        printJson(asJson(device));
     else if (CommandGate::current().rehearses())
         printRehearsal();
 }

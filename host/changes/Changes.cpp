@@ -31,11 +31,17 @@ static ExitStatus attempt(Action action) {
     }
 }
 
-/** Asks, does it, and reports what was done. */
+/** Asks, does it unless there is something else by then, and reports what was done. */
 template <class Action>
 static ExitStatus carryOut(const std::string& question, const Target& target, const Arguments& arguments,
                            Action action) {
-    const auto status = confirmed(question, arguments) ? action() : ExitStatus::no;
+    auto status = ExitStatus::no;
+    if (confirmed(question, arguments))
+        status = attempt([&] {
+            if (needsQuestion(arguments)) // The answer may have taken long.
+                target.requireUnchanged();
+            return action();
+        });
     reportChanges(arguments, target.device());
     return status;
 }
@@ -44,6 +50,7 @@ static ExitStatus carryOut(const std::string& question, const Target& target, co
 template <class Removal>
 static ExitStatus remove(const Target& target, bool wholeMap, const std::vector<std::string>& told,
                          Removal removal) {
+    CommandGate::current().permitRemoval(target.removable(wholeMap));
     const auto status = attempt([&] {
         const RemovalProgress progress(target, told);
         removal();
@@ -83,10 +90,8 @@ ExitStatus failIfNoPath(const Library& library, const Arguments& arguments) {
     const auto question =
         fmt::format("Have map {} fail I/O while it has no path, not queue it?", nameAndSize(target.map()));
     return carryOut(question, target, arguments, [&] {
-        return attempt([&] {
-            library.failIfNoPath(target.device());
-            return lookAgain(target.map(), arguments.recheck);
-        });
+        library.failIfNoPath(target.device());
+        return lookAgain(target.map(), arguments.recheck);
     });
 }
 

@@ -7,7 +7,7 @@
 #include "ExitStatus.h"
 #include "Output.h"
 
-static bool needsQuestion(const Arguments& arguments) {
+bool needsQuestion(const Arguments& arguments) {
     return !arguments.yes && !arguments.dryRun;
 }
 

@@ -6,6 +6,9 @@
 
 #include "Arguments.h"
 
+/** Whether neither --yes nor --dry-run answers for the user. */
+bool needsQuestion(const Arguments& arguments);
+
 /** @throw UsageError when a question would have to be asked and there is no terminal to ask on. */
 void requireAnswerable(const Arguments& arguments);
 

@@ -5,8 +5,6 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <sstream>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "Output.h"
@@ -42,12 +40,6 @@ bool startsWith(const std::string& text, std::string_view start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
-bool isBlockDevice(const std::string& path, Node number) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISBLK(status.st_mode) &&
-           major(status.st_rdev) == number.major && minor(status.st_rdev) == number.minor;
-}
-
 /** A path in the kernel's tables, where blanks and the like stand as \ooo. */
 std::string unescaped(const std::string& text) {
     const auto octal = [](char c) { return c >= '0' && c <= '7'; };
@@ -78,7 +70,7 @@ void addMounts(const Mapping& mapping, Sentences& sentences) {
 void addSwapSpace(const Mapping& mapping, Sentences& sentences) {
     std::ifstream swaps("/proc/swaps");
     for (std::string line; std::getline(swaps, line);)
-        if (isBlockDevice(unescaped(line.substr(0, line.find_first_of(" \t"))), mapping.number))
+        if (Node::find(unescaped(line.substr(0, line.find_first_of(" \t")))) == mapping.number)
             sentences.push_back(fmt::format("{} is swap space", mapping.name));
 }
 
@@ -122,7 +114,7 @@ void addOtherDevices(const Mapping& mapping, const DeviceMapper& deviceMapper, S
 bool hasOpen(const fs::path& process, Node number) {
     const auto descriptors = entriesOf(process / "fd");
     return std::any_of(descriptors.begin(), descriptors.end(), [number](const fs::path& descriptor) {
-        return isBlockDevice(descriptor.string(), number);
+        return Node::find(descriptor.string()) == number;
     });
 }
 

@@ -4,19 +4,25 @@
 
 #include "Countdown.h"
 #include "NrProcess.h"
+#include "ToolCommand.h"
 
 using Seconds = std::chrono::seconds;
 
-/** The listing of one map warns on standard error where it does not, see multipath(8). */
-static bool daemonRuns(const Mapping& map) {
+/**
+ * The listing of one map warns on standard error where no daemon runs, see multipath(8). A map with
+ * a name that cannot be passed on is looked at all the same.
+ */
+static bool mayDaemonRun(const Mapping& map) {
+    if (!isPlainName(map.name))
+        return true;
     std::string listing;
     std::string warnings;
-    const int status = NrProcess::system(("multipath -l " + map.name).c_str(), &listing, &warnings, 0, false);
-    return status == 0 && warnings.find("multipathd service is not running") == std::string::npos;
+    NrProcess::system(("multipath -l " + map.name).c_str(), &listing, &warnings, 0, false);
+    return warnings.find("multipathd service is not running") == std::string::npos;
 }
 
 bool queueingComesBack(const Mapping& map, int seconds) {
-    if (seconds == 0 || !daemonRuns(map))
+    if (seconds == 0 || !mayDaemonRun(map))
         return false;
     const Countdown countdown("looking whether the daemon takes it back:", Seconds(seconds));
     for (int second = 0; second < seconds; ++second) {

@@ -7,6 +7,7 @@
 
 #include "Diagnosis.h"
 #include "ExitStatus.h"
+#include "Holders.h"
 #include "Output.h"
 #include "SizeText.h"
 #include "ToolCommand.h"
@@ -22,14 +23,6 @@ Extent extentOf(const std::string& target) {
     Extent extent;
     std::istringstream(target) >> extent.start >> extent.length;
     return extent;
-}
-
-/** Sectors. */
-unsigned long long sizeOf(const Mapping& mapping) {
-    unsigned long long size = 0;
-    for (const std::string& target : mapping.table)
-        size += extentOf(target).length;
-    return size;
 }
 
 /** Each target begins where the one before ends; one that does not is a part of another device's name. */
@@ -83,38 +76,24 @@ void requireRemovable(const Mapping& mapping, const Mapping& map) {
             fmt::format("dmsetup table tells no whole table of {}: another device has a line end in "
                         "its name; rename that one first, with dmsetup rename",
                         mapping.name));
-}
-
-/** By its node's number or, without a node, by its name. */
-const Mapping* named(const DeviceMapper& deviceMapper, const DeviceName& device) {
-    if (const auto number = Node::find(device))
-        return deviceMapper.find(*number);
-    const auto& all = deviceMapper.all();
-    const auto found = std::find_if(all.begin(), all.end(),
-                                    [&](const Mapping& mapping) { return mapping.name == device.base(); });
-    return found == all.end() ? nullptr : &*found;
-}
-
-const Mapping* mapOf(const DeviceMapper& deviceMapper, const Mapping& mapping) {
-    if (mapping.isMap())
-        return &mapping;
-    for (const Mapping& candidate : deviceMapper.all())
-        if (candidate.isMap() && mapping.isLinearOn(candidate.number))
-            return &candidate;
-    return nullptr;
+    if (isKnownAsOther(mapping))
+        throw Failure(fmt::format("{} is no partition mapping, and would go with {}; {}",
+                                  description(mapping), map.name, remedy(mapping, map)));
 }
 
 /** The library looks for a partition mapping's map beside its node: not so where it is given the map's. */
 DeviceName nodeOf(const Mapping& map, const DeviceName& otherwise) {
     try {
-        DeviceName node("/dev/mapper/" + map.name);
-        const auto number = Node::find(node);
-        if (number && number->major == map.number.major && number->minor == map.number.minor)
-            return node;
-    } catch (const UsageError&) {
-        // Its node has another name, in which the odd characters are escaped.
+        const std::string node = map.node();
+        return node.empty() ? otherwise : DeviceName(node);
+    } catch (const UsageError&) { // Odd characters are escaped in it by another one.
+        return otherwise;
     }
-    return otherwise;
+}
+
+/** The same device, however its paths have changed. */
+bool same(const Mapping& one, const Mapping& other) {
+    return one.name == other.name && one.number == other.number && one.sectors() == other.sectors();
 }
 
 } // namespace
@@ -126,14 +105,23 @@ Target::Target(DeviceMapper deviceMapper, Node number, DeviceName device, std::s
 Target Target::find(const Library& library, const DeviceName& device) {
     requireMultipath(library, device);
     DeviceMapper deviceMapper = DeviceMapper::read();
-    const Mapping* mapping = named(deviceMapper, device);
-    const Mapping* map = mapping ? mapOf(deviceMapper, *mapping) : nullptr;
+    const Mapping* mapping = deviceMapper.find(device);
+    const Mapping* map = mapping ? deviceMapper.mapOf(*mapping) : nullptr;
     if (!map)
         throw Failure(fmt::format("dmsetup lists no map for {}; try again", device.text()));
     const Node number = map->number;
     DeviceName node = nodeOf(*map, device);
     std::string partition = mapping == map ? "" : mapping->name;
     return {std::move(deviceMapper), number, std::move(node), std::move(partition)};
+}
+
+std::vector<std::string> Target::removable(bool wholeMap) const {
+    std::vector<std::string> names;
+    for (const Mapping* mapping : mappings())
+        names.push_back(mapping->name);
+    if (wholeMap)
+        names.push_back(map().name);
+    return names;
 }
 
 void Target::requireMap() const {
@@ -150,6 +138,19 @@ void Target::requireRemovable() const {
         ::requireRemovable(mapping, map());
 }
 
+void Target::requireUnchanged() const {
+    const DeviceMapper now = DeviceMapper::read();
+    const Mapping* map = now.find(number_);
+    const auto before = mappings();
+    const auto after = now.linearOn(number_);
+    const auto sameMapping = [](const Mapping* one, const Mapping* other) { return same(*one, *other); };
+    if (!map || !same(*map, this->map()) ||
+        !std::equal(before.begin(), before.end(), after.begin(), after.end(), sameMapping))
+        throw Failure(fmt::format("{} is not any more what was asked about, and nothing was changed: run the "
+                                  "same command again",
+                                  this->map().name));
+}
+
 std::string namesOf(const std::vector<const Mapping*>& mappings) {
     std::string names;
     for (const Mapping* mapping : mappings)
@@ -158,5 +159,5 @@ std::string namesOf(const std::vector<const Mapping*>& mappings) {
 }
 
 std::string nameAndSize(const Mapping& mapping) {
-    return fmt::format("{} ({})", escaped(mapping.name), sizeText(sizeOf(mapping) * 512));
+    return fmt::format("{} ({})", escaped(mapping.name), sizeText(mapping.sectors() * 512));
 }

@@ -22,6 +22,8 @@ public:
     const DeviceName& device() const { return device_; }
     /** What lies directly on the map; all of it goes when partition mappings are removed. */
     std::vector<const Mapping*> mappings() const { return deviceMapper_.linearOn(number_); }
+    /** The names of these and, where it goes too, the map's. */
+    std::vector<std::string> removable(bool wholeMap) const;
     const DeviceMapper& deviceMapper() const { return deviceMapper_; }
     /** The name of the partition mapping that was meant; empty when it was the map. */
     const std::string& partition() const { return partition_; }
@@ -29,8 +31,14 @@ public:
     /** @throw Failure when a partition mapping was meant. */
     void requireMap() const;
 
-    /** @throw Failure when the library would take a mapping for another one, or for several. */
+    /**
+     * @throw Failure when the library would take a mapping for another one, or for several, or would
+     * remove what is known to be no partition mapping.
+     */
     void requireRemovable() const;
+
+    /** Looks again. @throw Failure when the map or what lies on it is not the same any more. */
+    void requireUnchanged() const;
 
 private:
     Target(DeviceMapper deviceMapper, Node number, DeviceName device, std::string partition);

@@ -58,10 +58,6 @@ Sentences warnings(const Target& target, bool wholeMap) {
     if (wholeMap && !target.partition().empty())
         sentences.push_back(fmt::format("{} is a partition mapping on {}: the whole map goes",
                                         target.partition(), target.map().name));
-    for (const Mapping* mapping : target.mappings())
-        if (isKnownAsOther(*mapping))
-            sentences.push_back(
-                fmt::format("{} is no partition mapping, and goes, too", description(*mapping)));
     add(sentences, allHolders(target.map(), target.deviceMapper(), wholeMap));
     return sentences;
 }

@@ -61,12 +61,14 @@ const std::vector<Command> commands = {
      "Example: nrmpio fail-if-no-path /dev/mapper/mpatha",
      failIfNoPath},
     {"delete-partitions", Group::change, Operands::device, change, "Remove the partition mappings of a map",
-     "A mapping that is in use is tried again every 10 seconds, five times.\n\n"
+     "A mapping that is in use is tried again every 10 seconds, five times. While a\n"
+     "mapping on the map is known to be no partition mapping, nothing is removed.\n\n"
      "Example: nrmpio delete-partitions --dry-run /dev/mapper/mpatha",
      deletePartitions},
     {"delete", Group::change, Operands::device, change, "Remove a map with its partition mappings",
      "Of a partition mapping, the whole map is removed. A mapping that is in use is\n"
-     "tried again every 10 seconds, five times.\n\n"
+     "tried again every 10 seconds, five times. While a mapping on the map is known\n"
+     "to be no partition mapping, such as a logical volume, nothing is removed.\n\n"
      "Example: nrmpio delete --dry-run /dev/mapper/mpatha\n"
      "Example: nrmpio delete --yes /dev/mapper/mpatha",
      deleteDevice},

@@ -8,27 +8,23 @@
 #include <unistd.h>
 
 #include "ExitStatus.h"
+#include "Printable.h"
 #include "StatusLine.h"
-
-static std::string visible(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7f ? fmt::format("\\x{:02x}", byte) : std::string(1, c);
-}
 
 std::string oneLine(std::string_view text) {
     const auto end = text.find_last_not_of(" \t\r\n");
     text = text.substr(0, end == std::string_view::npos ? 0 : end + 1);
     std::string line;
     for (const char c : text)
-        line += c == '\n' ? "; " : visible(c);
-    return line;
+        line += c == '\n' ? "; " : std::string(1, c);
+    return printable(line, localeCharacterSet());
 }
 
 std::string escaped(std::string_view text) {
     std::string line;
     for (const char c : text)
-        line += c == '\n' ? "\\n" : c == '\t' ? "\\t" : c == '\r' ? "\\r" : visible(c);
-    return line;
+        line += c == '\n' ? "\\n" : c == '\t' ? "\\t" : c == '\r' ? "\\r" : std::string(1, c);
+    return printable(line, localeCharacterSet());
 }
 
 void tell(std::string_view sentence) {

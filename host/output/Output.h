@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-/** The text as one line: no line end at its end, those within as "; ", control characters as \xNN. */
+/** The text as one line: no line end at its end, those within as "; ", what is not printable as \xNN. */
 std::string oneLine(std::string_view text);
 
-/** The text as one line, as the log writes it: control characters as \n, \t, \r or \xNN. */
+/** The text as one line: line ends, tabs and returns as \n, \t, \r, what is not printable as \xNN. */
 std::string escaped(std::string_view text);
 
 /** Writes one line to standard error, "nrmpio: " and the sentence. */

@@ -1,7 +1,5 @@
 #include "Diagnosis.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <fmt/format.h>
 
 #include "Printable.h"
@@ -17,24 +15,6 @@ bool isMissing(const std::string& tool, const std::string& text) {
     return contains(text, " " + tool + ": not found") || contains(text, " " + tool + ": command not found");
 }
 
-const Mapping* find(const DeviceMapper& state, const DeviceName& device) {
-    if (const auto number = Node::find(device))
-        return state.find(*number);
-    const auto named = std::find_if(state.all().begin(), state.all().end(),
-                                    [&](const Mapping& mapping) { return mapping.name == device.text(); });
-    return named == state.all().end() ? nullptr : &*named;
-}
-
-/** The device-mapper device below the first linear target; null when there is none. */
-const Mapping* beneath(const DeviceMapper& state, const Mapping& mapping) {
-    for (const std::string& target : mapping.table) {
-        Node number{};
-        if (std::sscanf(target.c_str(), "%*s %*s linear %u:%u", &number.major, &number.minor) == 2)
-            return state.find(number);
-    }
-    return nullptr;
-}
-
 /** As readDeviceMapper, but the listing must work in any case. */
 DeviceMapper readAll(const Library& library) {
     try {
@@ -48,13 +28,14 @@ DeviceMapper readAll(const Library& library) {
 template <class Contradiction>
 void verify(const Library& library, const DeviceName& device, Contradiction contradicts) {
     const DeviceMapper state = readAll(library);
-    const Mapping* mapping = find(state, device);
+    const Mapping* mapping = state.find(device);
+    const bool isPath = device.text().find('/') != std::string::npos;
+    if (!Node::find(device) && (isPath || !mapping))
+        throw Failure(fmt::format("there is no device {}", device.text()));
     if (mapping && contradicts(state, *mapping))
         throw ToolsFailure(fmt::format("dmsetup tells different things about {}: try again, and see "
                                        "what fails with --trace",
                                        device.text()));
-    if (!mapping && !Node::find(device))
-        throw Failure(fmt::format("there is no device {}", device.text()));
 }
 
 } // namespace
@@ -91,15 +72,13 @@ DeviceMapper readDeviceMapper(const Library& library) {
 }
 
 void verifyNo(const Library& library, const DeviceName& device) {
-    verify(library, device, [](const DeviceMapper& state, const Mapping& mapping) {
-        const Mapping* parent = beneath(state, mapping);
-        return mapping.isMap() || (parent && parent->isMap());
-    });
+    verify(library, device,
+           [](const DeviceMapper& state, const Mapping& mapping) { return state.mapOf(mapping) != nullptr; });
 }
 
 void verifyNoPartition(const Library& library, const DeviceName& device) {
     verify(library, device, [](const DeviceMapper& state, const Mapping& mapping) {
-        return !mapping.isMap() && beneath(state, mapping);
+        return !mapping.isMap() && state.beneath(mapping);
     });
 }
 

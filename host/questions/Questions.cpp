@@ -70,16 +70,10 @@ std::string partitionTable(const std::vector<NrPartInfo>& partitions) {
     return table.text();
 }
 
-/** Whether the kernel has a disk, and it answers. True where that cannot be told. */
-bool answers(const SysBlock& disk) {
-    const std::string state = disk.diskState();
-    return disk.isThere() && (state.empty() || state == "running" || state == "live");
-}
-
 bool hasUsablePath(const Mapping& map) {
     const auto states = map.paths();
     return std::any_of(states.begin(), states.end(),
-                       [](const PathState& path) { return !path.failed && answers(SysBlock(path.disk)); });
+                       [](const PathState& path) { return !path.failed && SysBlock(path.disk).mayWork(); });
 }
 
 /** A read from such a map waits for ever, or fails: its partition table is better left alone. */
@@ -153,10 +147,12 @@ ExitStatus list(const Library& library, const Arguments& arguments) {
     for (const std::string& path : listed) {
         const std::string name = path.substr(path.rfind('/') + 1);
         const Mapping* mapping = state.find(name);
-        if (mapping && mapping->isMap()) {
-            nodes.push_back(mapping->node());
+        const bool isMap = mapping && mapping->isMap();
+        const std::string node = isMap ? mapping->node() : "";
+        if (!node.empty()) {
+            nodes.push_back(node);
         } else {
-            tell(notAMap(name));
+            tell(isMap ? fmt::format("the map {} has no node in /dev", name) : notAMap(name));
             status = ExitStatus::failure;
         }
     }
@@ -198,8 +194,7 @@ ExitStatus paths(const Library& library, const Arguments& arguments) {
 ExitStatus partitions(const Library& library, const Arguments& arguments) {
     const DeviceName& device = arguments.device();
     const DeviceMapper state = readDeviceMapper(library);
-    const auto number = Node::find(device);
-    const Mapping* mapping = number ? state.find(*number) : nullptr;
+    const Mapping* mapping = state.find(device);
     if (mapping && mapping->isMap()) {
         requireReadable(*mapping);
         if (arguments.kpartx && !mayRunKpartx(state, *mapping, arguments))

@@ -9,10 +9,6 @@
 
 namespace {
 
-bool equal(const std::optional<Node>& one, Node other) {
-    return one && one->major == other.major && one->minor == other.minor;
-}
-
 std::string lastComponent(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
@@ -34,9 +30,8 @@ std::optional<unsigned long long> bytes(std::optional<unsigned long long> sector
 std::string pathState(const SysBlock& disk, const PathState* status) {
     if (!disk.isThere())
         return "lost";
-    const std::string state = disk.diskState();
-    if (!state.empty() && state != "running" && state != "live") // of SCSI and of NVMe disks
-        return state;
+    if (!disk.mayWork())
+        return disk.diskState();
     return !status ? "" : status->failed ? "failed" : "active";
 }
 
@@ -88,7 +83,7 @@ private:
     bool hasChild(Node number) const {
         const auto& children = report_.map.children;
         return std::any_of(children.begin(), children.end(),
-                           [number](const Device& child) { return equal(child.number, number); });
+                           [number](const Device& child) { return child.number == number; });
     }
 
     void describeMap(const std::string& path) {
@@ -126,7 +121,7 @@ private:
         if (!number)
             return;
         const auto status = std::find_if(states_.begin(), states_.end(),
-                                         [&](const PathState& state) { return equal(number, state.disk); });
+                                         [&](const PathState& state) { return number == state.disk; });
         const SysBlock disk(*number);
         path.state = pathState(disk, status == states_.end() ? nullptr : &*status);
         path.size = bytes(disk.sectors());

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <optional>
 #include <unistd.h>
 
@@ -12,7 +11,6 @@
 #include "JobPool.h"
 #include "MapSurvey.h"
 #include "Output.h"
-#include "Printable.h"
 #include "ProgressBar.h"
 #include "Table.h"
 
@@ -21,7 +19,7 @@ namespace {
 using Format = ShowOptions::Format;
 using ChosenColumns = std::vector<const ColumnInfo*>;
 
-/** The bare name of what the listing or a user gives as a path in /dev/mapper. */
+/** The bare name of what the listing gives as a path in /dev/mapper. */
 std::string nameOf(const std::string& path) {
     const std::string directory = "/dev/mapper/";
     return path.compare(0, directory.size(), directory) == 0 ? path.substr(directory.size()) : path;
@@ -58,15 +56,14 @@ private:
     void addListed(const std::string& path) {
         const Mapping* map = state_ ? state_->find(nameOf(path)) : nullptr;
         if (state_ && (!map || !map->isMap()))
-            complain(fmt::format("\"{}\" stands in the list of maps, but there is no such map",
-                                 printable(nameOf(path), localeCharacterSet())));
+            complain(notAMap(nameOf(path)));
         else
             add(path, map);
     }
 
     void addNamed(const DeviceName& device) {
         try {
-            const Mapping* mapping = state_ ? mappingOf(device) : nullptr;
+            const Mapping* mapping = state_ ? state_->find(device) : nullptr;
             const Mapping* map = mapping ? state_->mapOf(*mapping) : nullptr;
             if (state_ && !map)
                 throw notMultipath(library_, device);
@@ -76,11 +73,6 @@ private:
         } catch (const Failure& failure) {
             complain(failure.what());
         }
-    }
-
-    const Mapping* mappingOf(const DeviceName& device) const {
-        const auto number = Node::find(device);
-        return number ? state_->find(*number) : state_->find(nameOf(device.text()));
     }
 
     /** Two devices may belong to the same map. */

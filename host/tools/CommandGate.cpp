@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <unistd.h>
+#include <utility>
 
 #include "ExitStatus.h"
 #include "NrProcess.h"
@@ -62,10 +63,10 @@ std::optional<CommandAnswer> CommandGate::before(const char* line) {
 
 std::optional<CommandAnswer> CommandGate::decide(const char* line) {
     const auto command = ToolCommand::parse(line);
-    if (!command) {
-        refusal = whyRefused(line);
+    if (refusal.empty())
+        refusal = objection(command, line);
+    if (!refusal.empty())
         return CommandAnswer{refusedStatus, "", refusal + "\n"};
-    }
     if (command->changes()) {
         const std::lock_guard lock(mutex_);
         changes_.push_back({withoutLineEnd(line), *command, std::nullopt});
@@ -75,6 +76,19 @@ std::optional<CommandAnswer> CommandGate::decide(const char* line) {
     if (CommandListener* listener = listener_)
         listener->starting(*command);
     return std::nullopt;
+}
+
+std::string CommandGate::objection(const std::optional<ToolCommand>& command, const char* line) const {
+    if (!command)
+        return whyRefused(line);
+    if (!command->removes())
+        return {};
+    const std::lock_guard lock(mutex_);
+    if (std::find(removable_.begin(), removable_.end(), command->name) != removable_.end())
+        return {};
+    return fmt::format(
+        "{} is not among what was to be removed, and is left alone; run the same command again",
+        command->name);
 }
 
 void CommandGate::after(const char* line, int status) {
@@ -106,6 +120,11 @@ std::vector<Change> CommandGate::changes() const {
     return changes_;
 }
 
+void CommandGate::permitRemoval(std::vector<std::string> names) {
+    const std::lock_guard lock(mutex_);
+    removable_ = std::move(names);
+}
+
 void CommandGate::holdBackIfClosed() {
     if (closed_)
         --running_;
@@ -123,5 +142,5 @@ void CommandGate::forgetRefusals() {
 
 void CommandGate::requireNoRefusal() {
     if (!refusal.empty())
-        throw Failure(refusal);
+        throw Failure(std::exchange(refusal, {}));
 }

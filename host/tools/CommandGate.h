@@ -27,7 +27,8 @@ struct Change {
 };
 
 /**
- * While it lives, the only commands that run are those whose form ToolCommand.h knows. In a
+ * While it lives, the only commands that run are those whose form ToolCommand.h knows, and nothing
+ * is removed or flushed without a permission. After a refusal nothing more runs for the same call. In a
  * rehearsal those that change something are noted instead, and count as done. There is one gate at
  * a time, made before the process has a second thread; it also takes care of an interruption.
  */
@@ -52,6 +53,8 @@ public:
     int running() const { return running_; }
     /** Whoever comes from now on, on either side of a command, waits there for the end of the process. */
     void close() { closed_ = true; }
+    /** From now on only the devices with these names may be removed or flushed; at first none may. */
+    void permitRemoval(std::vector<std::string> names);
     /** @param listener null for none; it lives until it is replaced. */
     void setListener(CommandListener* listener) { listener_ = listener; }
 
@@ -60,12 +63,14 @@ public:
     /** How many commands have come to a gate. */
     static unsigned seen();
     static void forgetRefusals();
-    /** @throw Failure when a command was refused since they were forgotten; it names what stands in the way.
-     */
+    /** @throw Failure when a command was refused since they were forgotten, and forgets it; it names what
+     * stands in the way. */
     static void requireNoRefusal();
 
 private:
     std::optional<CommandAnswer> decide(const char* line);
+    /** Empty for a command that may run. */
+    std::string objection(const std::optional<ToolCommand>& command, const char* line) const;
     void noteStatus(const std::string& line, int status);
     void holdBackIfClosed();
 
@@ -75,6 +80,7 @@ private:
     std::atomic<CommandListener*> listener_{nullptr};
     mutable std::mutex mutex_;
     std::vector<Change> changes_;
+    std::vector<std::string> removable_;
     Interruption interruption_{*this};
 };
 

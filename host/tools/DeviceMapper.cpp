@@ -8,8 +8,6 @@
 #include <iterator>
 #include <set>
 #include <sstream>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 #include "ExitStatus.h"
 #include "NrProcess.h"
@@ -111,10 +109,6 @@ std::optional<LinearTarget> linearTarget(const std::string& target) {
     return linear;
 }
 
-bool equal(Node one, Node other) {
-    return one.major == other.major && one.minor == other.minor;
-}
-
 /** As libdevmapper names a node in /dev/mapper: see dmsetup(8) on --manglename. */
 std::string mangled(const std::string& name) {
     std::string node;
@@ -124,12 +118,6 @@ std::string mangled(const std::string& name) {
         node += plain ? std::string(1, c) : fmt::format("\\x{:02x}", byte);
     }
     return node;
-}
-
-bool isNodeOf(const std::string& path, Node number) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISBLK(status.st_mode) &&
-           equal({major(status.st_rdev), minor(status.st_rdev)}, number);
 }
 
 } // namespace
@@ -174,16 +162,10 @@ std::vector<PathState> Mapping::paths() const {
     return paths;
 }
 
-bool Mapping::hasNoUsablePath() const {
-    const auto states = paths();
-    return isMap() &&
-           std::all_of(states.begin(), states.end(), [](const PathState& path) { return path.failed; });
-}
-
 bool Mapping::isLinearOn(Node device) const {
     return std::any_of(table.begin(), table.end(), [device](const std::string& target) {
         const auto linear = linearTarget(target);
-        return linear && equal(linear->device, device);
+        return linear && linear->device == device;
     });
 }
 
@@ -204,7 +186,7 @@ unsigned long long Mapping::sectors() const {
 
 std::string Mapping::node() const {
     for (const std::string& path : {"/dev/mapper/" + mangled(name), fmt::format("/dev/dm-{}", number.minor)})
-        if (isNodeOf(path, number))
+        if (Node::find(path) == number)
             return path;
     return {};
 }
@@ -246,14 +228,24 @@ const Mapping* DeviceMapper::find(const std::string& name) const {
     return found == mappings_.end() || found->name != name ? nullptr : &*found;
 }
 
-const Mapping* DeviceMapper::mapOf(const Mapping& mapping) const {
-    if (mapping.isMap())
-        return &mapping;
+const Mapping* DeviceMapper::find(const DeviceName& device) const {
+    if (const auto number = Node::find(device))
+        return find(*number);
+    const std::string directory = "/dev/mapper/";
+    const std::string& text = device.text();
+    return find(text.compare(0, directory.size(), directory) == 0 ? text.substr(directory.size()) : text);
+}
+
+const Mapping* DeviceMapper::beneath(const Mapping& mapping) const {
     for (const std::string& target : mapping.table)
         if (const auto linear = linearTarget(target))
-            if (const Mapping* below = find(linear->device); below && below->isMap())
-                return below;
+            return find(linear->device);
     return nullptr;
+}
+
+const Mapping* DeviceMapper::mapOf(const Mapping& mapping) const {
+    const Mapping* candidate = mapping.isMap() ? &mapping : beneath(mapping);
+    return candidate && candidate->isMap() ? candidate : nullptr;
 }
 
 std::vector<const Mapping*> DeviceMapper::linearOn(Node device) const {

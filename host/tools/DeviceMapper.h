@@ -29,8 +29,6 @@ struct Mapping {
     /** Whether I/O waits for a path when none is left. */
     bool queuesWithoutPath() const;
     std::vector<PathState> paths() const;
-    /** A map on which I/O fails or waits for ever: it has no path, or all have failed. */
-    bool hasNoUsablePath() const;
     bool isLinearOn(Node device) const;
     /** Where it begins on the device below, in sectors, when it is a single linear target. */
     std::optional<unsigned long long> linearStart() const;
@@ -50,7 +48,11 @@ public:
     /** Null when there is none. */
     const Mapping* find(Node number) const;
     const Mapping* find(const std::string& name) const;
-    /** The mapping itself when it is a map, the map that it is linear on, or null. */
+    /** By its node's number or, without a node, by its name. */
+    const Mapping* find(const DeviceName& device) const;
+    /** What the first linear target lies on, as the library looks for it; null when that is no mapping. */
+    const Mapping* beneath(const Mapping& mapping) const;
+    /** The mapping itself when it is a map, the map beneath it, or null. */
     const Mapping* mapOf(const Mapping& mapping) const;
     /** What has a linear target on the device: its partition mappings, and others made by hand. */
     std::vector<const Mapping*> linearOn(Node device) const;

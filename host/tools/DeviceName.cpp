@@ -6,16 +6,11 @@
 #include <fstream>
 #include <string_view>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "ExitStatus.h"
 #include "NrMPIO.h"
-
-/** What device-mapper leaves unescaped in a node's name, without '#', which starts a shell's comment. */
-static constexpr std::string_view plainCharacters = "abcdefghijklmnopqrstuvwxyz"
-                                                    "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                                    "0123456789+-.:=@_/";
+#include "ToolCommand.h"
 
 static std::string described(char character) {
     const auto byte = static_cast<unsigned char>(character);
@@ -52,8 +47,7 @@ static std::optional<DeviceName> mapperNode(Node number) {
         return std::nullopt;
     try {
         DeviceName path("/dev/mapper/" + name);
-        const auto found = Node::find(path);
-        if (found && found->major == number.major && found->minor == number.minor)
+        if (Node::find(path) == number)
             return path;
     } catch (const UsageError&) {
         // The name that was given can be passed on, this one cannot.
@@ -73,20 +67,15 @@ DeviceName DeviceName::resolved() const {
     return *this;
 }
 
-std::optional<Node> Node::find(const DeviceName& device) {
-    struct stat status {};
-    if (stat(device.c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
+std::optional<Node> Node::find(const std::string& path) {
+    struct statx status {};
+    // Whatever file it is, no server is asked about it: one that is gone would not answer.
+    if (statx(AT_FDCWD, path.c_str(), AT_STATX_DONT_SYNC, STATX_TYPE, &status) != 0 ||
+        !S_ISBLK(status.stx_mode))
         return std::nullopt;
-    return Node{major(status.st_rdev), minor(status.st_rdev)};
+    return Node{status.stx_rdev_major, status.stx_rdev_minor};
 }
 
-std::optional<unsigned long long> deviceSize(const DeviceName& device) {
-    const int descriptor = open(device.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor == -1)
-        return std::nullopt;
-    const off_t end = lseek(descriptor, 0, SEEK_END);
-    close(descriptor);
-    if (end < 0)
-        return std::nullopt;
-    return static_cast<unsigned long long>(end);
+std::optional<Node> Node::find(const DeviceName& device) {
+    return find(device.text());
 }

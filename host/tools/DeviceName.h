@@ -29,9 +29,6 @@ public:
      */
     DeviceName resolved() const;
 
-    /** The last component of the path. */
-    std::string base() const { return text_.substr(text_.rfind('/') + 1); }
-
 private:
     std::string text_;
 };
@@ -43,9 +40,11 @@ struct Node {
 
     /** None when there is no such block device. */
     static std::optional<Node> find(const DeviceName& device);
-};
+    static std::optional<Node> find(const std::string& path);
 
-/** The size of a device in bytes; none when it cannot be opened. */
-std::optional<unsigned long long> deviceSize(const DeviceName& device);
+    friend bool operator==(Node one, Node other) {
+        return one.major == other.major && one.minor == other.minor;
+    }
+};
 
 #endif

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <future>
 
 #include "CommandGate.h"
 #include "NrProcess.h"
@@ -32,6 +33,22 @@ void tellWhatWasUnderWay(const CommandGate& gate) {
     if (!changes.empty() && !gate.rehearses())
         tell(fmt::format("interrupted while {}: nrmpio show tells what is left",
                          changes.back().command.doing()));
+}
+
+/** Waits no longer for standard error than for a command: its reader may have stopped. */
+void sayGoodbye(const CommandGate& gate) {
+    std::promise<void> told;
+    const auto end = told.get_future();
+    try {
+        std::thread([&gate, told = std::move(told)]() mutable {
+            StatusLine::close();
+            tellWhatWasUnderWay(gate);
+            told.set_value();
+        }).detach();
+        end.wait_for(2s);
+    } catch (const std::system_error&) {
+        // Without a thread, no word.
+    }
 }
 
 } // namespace
@@ -65,14 +82,10 @@ void Interruption::await() {
 
 void Interruption::end(int number) {
     gate_.close();
-    StatusLine::close();
     if (!signalUntilGone(gate_, number, 2s))
         signalUntilGone(gate_, SIGKILL, 2s);
-    tellWhatWasUnderWay(gate_);
-    sigset_t only;
-    sigemptyset(&only);
-    sigaddset(&only, number);
-    pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    sayGoodbye(gate_);
+    pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
     raise(number);
     std::_Exit(128 + number); // not reached: nobody handles it
 }

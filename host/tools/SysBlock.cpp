@@ -30,3 +30,8 @@ std::string SysBlock::diskState() const {
     std::getline(file, state);
     return state;
 }
+
+bool SysBlock::mayWork() const {
+    const std::string state = diskState();
+    return isThere() && (state.empty() || state == "running" || state == "live"); // of SCSI and of NVMe disks
+}

@@ -19,6 +19,8 @@ public:
     std::optional<unsigned long long> sectors() const;
     /** Of a disk, in the words of its driver: running, offline and others. */
     std::string diskState() const;
+    /** Whether the disk is there, and its driver does not say that it does not run. */
+    bool mayWork() const;
 
 private:
     std::string directory_;

@@ -1,24 +1,16 @@
 #include "ToolCommand.h"
 
-#include <regex>
-#include <vector>
+#include <algorithm>
 
 namespace {
 
 using Action = ToolCommand::Action;
 
-constexpr std::string_view nameCharacters = "abcdefghijklmnopqrstuvwxyz"
-                                            "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                            "0123456789+.:=@_/,%-";
-
-/** Longer lines are in no form: a device-mapper name has 127 characters at most, a path 4095. */
-constexpr std::size_t longestLine = 4400;
-
 struct Form {
-    /** As it is run, with slots: <NAME>, <N> for a number, <FIELDS>, <END> for a line end that may be there.
-     */
-    const char* text;
+    /** As it is run, with slots: <NAME>, <N> for a number, <FIELDS>. */
+    std::string_view text;
     Action action;
+    bool mayEndLine = false; ///< A line end may follow.
 };
 
 constexpr Form forms[] = {
@@ -30,76 +22,99 @@ constexpr Form forms[] = {
     {"dmsetup table | grep 'linear <N>:<N>[^0-9]' | cut -d: -f1", Action::look},
     {"dmsetup status", Action::look},
     {"dmsetup deps", Action::look},
-    {"dmsetup deps <NAME><END>", Action::look},
+    {"dmsetup deps <NAME>", Action::look, true},
     {"dmsetup deps | grep '(<N>, <N>)$' | cut -d ':' -f1", Action::look},
     {"dmsetup info -c --noheadings -o <FIELDS>", Action::look},
     {"dmsetup info -c --noheadings -o <FIELDS> <NAME>", Action::look},
     {"dmsetup info -c --noheadings -o <FIELDS> -j <N> -m <N>", Action::look},
     {"multipath", Action::reload},
-    {"multipath -f <NAME><END>", Action::flush},
+    {"multipath -f <NAME>", Action::flush, true},
     {"kpartx -a <NAME>", Action::mapPartitions},
     {"dmsetup message <NAME> 0 \"fail_if_no_path\"", Action::failWithoutPath},
     {"dmsetup message -j <N> -m <N> 0 \"fail_if_no_path\"", Action::failWithoutPath},
     {"dmsetup remove <NAME>", Action::remove},
 };
 
+/** What stands for a part of a device's name or number in a form; no piece of it looks like an option. */
 struct Slot {
     std::string_view mark;
-    const char* pattern;
+    std::string_view characters;
+    std::size_t longest;
+    bool names; ///< Whether the piece is the device's name, or a part of its number.
 };
 
 constexpr Slot slots[] = {
-    {"<NAME>", "([A-Za-z0-9+.:=@_/,%][A-Za-z0-9+.:=@_/,%-]*)"},
-    {"<N>", "([0-9]{1,10})"},
-    {"<FIELDS>", "[a-z_,]+"},
-    {"<END>", "\\n?"},
+    {"<NAME>", plainCharacters, std::string_view::npos, true},
+    {"<N>", "0123456789", 10, true},
+    {"<FIELDS>", "abcdefghijklmnopqrstuvwxyz_,", std::string_view::npos, false},
 };
 
-/** The pattern for a form; with `name`, that for what stands in the place of its name. */
-std::regex compile(std::string_view form, const char* name) {
-    std::string pattern;
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+const Slot* slotAt(std::string_view form) {
+    for (const Slot& slot : slots)
+        if (startsWith(form, slot.mark))
+            return &slot;
+    return nullptr;
+}
+
+/** How much of the line's beginning fits; 0 when nothing does. */
+std::size_t fitting(const Slot& slot, std::string_view line) {
+    if (line.empty() || line[0] == '-')
+        return 0;
+    const auto length = std::min(line.find_first_not_of(slot.characters), line.size());
+    return length > slot.longest ? 0 : length;
+}
+
+/** Takes off a line what a form stands for, and adds what names the device. False when it does not fit. */
+bool take(std::string_view form, std::string_view& line, std::string& device) {
     while (!form.empty()) {
-        const Slot* slot = nullptr;
-        for (const Slot& candidate : slots)
-            if (form.substr(0, candidate.mark.size()) == candidate.mark)
-                slot = &candidate;
-        if (slot) {
-            pattern += name && slot->mark == "<NAME>" ? name : slot->pattern;
-            form.remove_prefix(slot->mark.size());
-        } else {
-            if (std::string_view("|()[]^$.+*?{}\\").find(form[0]) != std::string_view::npos)
-                pattern += '\\';
-            pattern += form[0];
-            form.remove_prefix(1);
-        }
+        const Slot* slot = slotAt(form);
+        const auto piece = slot ? slot->mark : form.substr(0, form.find('<'));
+        const auto length = slot ? fitting(*slot, line) : startsWith(line, piece) ? piece.size() : 0;
+        if (length == 0)
+            return false;
+        if (slot && slot->names)
+            device.append(device.empty() ? "" : ":").append(line.substr(0, length));
+        form.remove_prefix(piece.size());
+        line.remove_prefix(length);
     }
-    return std::regex(pattern, std::regex::ECMAScript | std::regex::optimize);
+    return true;
 }
 
-std::vector<std::regex> compileAll(const char* name) {
-    std::vector<std::regex> patterns;
-    for (const Form& form : forms)
-        patterns.push_back(compile(form.text, name));
-    return patterns;
+std::optional<ToolCommand> parse(const Form& form, std::string_view line) {
+    std::string device;
+    const bool fits = take(form.text, line, device) && (line.empty() || (form.mayEndLine && line == "\n"));
+    return fits ? std::optional(ToolCommand{form.action, device}) : std::nullopt;
 }
 
-/** One slot is a name, two are a number. */
-std::string deviceOf(const std::cmatch& match) {
-    if (match.size() == 3)
-        return match.str(1) + ":" + match.str(2);
-    return match.size() == 2 ? match.str(1) : "";
+/** What stands in a line in the place of a form's name. */
+std::optional<std::string_view> nameIn(const Form& form, std::string_view line) {
+    constexpr std::string_view mark = "<NAME>";
+    const auto place = form.text.find(mark);
+    std::string unused;
+    if (place == std::string_view::npos || !take(form.text.substr(0, place), line, unused))
+        return std::nullopt;
+    if (form.mayEndLine && endsWith(line, "\n"))
+        line.remove_suffix(1);
+    const auto end = form.text.substr(place + mark.size());
+    if (!endsWith(line, end))
+        return std::nullopt;
+    return line.substr(0, line.size() - end.size());
 }
 
 } // namespace
 
 std::optional<ToolCommand> ToolCommand::parse(std::string_view line) {
-    static const std::vector<std::regex> patterns = compileAll(nullptr);
-    if (line.size() > longestLine)
-        return std::nullopt;
-    std::cmatch match;
-    for (std::size_t i = 0; i < patterns.size(); ++i)
-        if (std::regex_match(line.data(), line.data() + line.size(), match, patterns[i]))
-            return ToolCommand{forms[i].action, deviceOf(match)};
+    for (const Form& form : forms)
+        if (auto command = ::parse(form, line))
+            return command;
     return std::nullopt;
 }
 
@@ -122,19 +137,14 @@ std::string ToolCommand::doing() const {
 
 bool isPlainName(std::string_view name) {
     return !name.empty() && name[0] != '-' &&
-           name.find_first_not_of(nameCharacters) == std::string_view::npos;
+           name.find_first_not_of(plainCharacters) == std::string_view::npos;
 }
 
 std::optional<std::string> unfitName(std::string_view line) {
-    static const std::vector<std::regex> patterns = compileAll("([^]*?)");
     std::optional<std::string> shortest;
-    std::cmatch match;
-    if (line.size() > longestLine)
-        return std::nullopt;
-    for (const std::regex& pattern : patterns)
-        if (std::regex_match(line.data(), line.data() + line.size(), match, pattern) && match.size() == 2)
-            if (!shortest || match.length(1) < static_cast<long>(shortest->size()))
-                shortest = match.str(1);
+    for (const Form& form : forms)
+        if (const auto name = nameIn(form, line); name && (!shortest || name->size() < shortest->size()))
+            shortest = *name;
     return shortest;
 }
 

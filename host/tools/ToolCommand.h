@@ -7,8 +7,15 @@
 #include <string_view>
 
 /**
- * A command line in one of the known forms. Where a form has a name, the name is made of characters
- * that neither a shell nor a tool reads as anything else, and does not look like an option.
+ * What a name is made of that neither a shell nor a tool reads as anything else: what device-mapper
+ * leaves unescaped in a node's name, without '#', which starts a shell's comment, and the '/' of a path.
+ */
+inline constexpr std::string_view plainCharacters = "abcdefghijklmnopqrstuvwxyz"
+                                                    "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                                    "0123456789+-.:=@_/";
+
+/**
+ * A command line in one of the known forms. Where a form has a name, it is a plain one.
  */
 struct ToolCommand {
     enum class Action { look, lookAtTable, reload, mapPartitions, failWithoutPath, remove, flush };
@@ -20,11 +27,12 @@ struct ToolCommand {
     static std::optional<ToolCommand> parse(std::string_view line);
 
     bool changes() const { return action != Action::look && action != Action::lookAtTable; }
+    bool removes() const { return action == Action::remove || action == Action::flush; }
     /** As in "interrupted while ...": "removing mpatha1". */
     std::string doing() const;
 };
 
-/** Whether a name can stand in a command line as it is. */
+/** Whether a name can stand in a command line as it is: it does not look like an option, either. */
 bool isPlainName(std::string_view name);
 
 /** What stands for a name in a line that is in a known form but for that name; nothing if it is in none. */

@@ -23,7 +23,10 @@ public:
     /** @return Nothing to have the command run; otherwise the answer that stands for running it. */
     virtual std::optional<CommandAnswer> before(const char* command) = 0;
 
-    /** @param status of a command that was run; of one that before() answered nothing is told. */
+    /**
+     * @param status of a command that was run, or that could not be started; of one that before()
+     * answered nothing is told.
+     */
     virtual void after(const char* command, int status) = 0;
 };
 

@@ -86,24 +86,11 @@ Result failure(const char* reason) noexcept {
     return result;
 }
 
-Result runWatched(const char* command) {
-    CommandWatch* watch = commandWatch;
-    if (!watch)
-        return run(command);
-    if (auto answer = watch->before(command))
-        return std::move(*answer);
-    Result result = run(command);
-    watch->after(command, result.status);
-    return result;
-}
-
-/** As run, and whatever goes wrong is a result, too. */
-Result runOrFail(const char* command) {
+/** What goes wrong is a result, too. */
+template <class Action>
+Result resultOf(Action action) {
     try {
-        reapLeftBehind();
-        if (!command)
-            return failure("no command given");
-        return runWatched(command);
+        return action();
     } catch (const std::bad_alloc&) {
         return failure("out of memory");
     } catch (const std::exception& problem) {
@@ -111,6 +98,25 @@ Result runOrFail(const char* command) {
     } catch (...) {
         return failure("the host's watch failed");
     }
+}
+
+/** A command that could not be started has ended, too: the watch counts on that. */
+Result runWatched(const char* command) {
+    CommandWatch* watch = commandWatch;
+    if (watch)
+        if (auto answer = watch->before(command))
+            return std::move(*answer);
+    Result result = resultOf([command] { return run(command); });
+    if (watch)
+        watch->after(command, result.status);
+    return result;
+}
+
+Result runOrFail(const char* command) {
+    return resultOf([command] {
+        reapLeftBehind();
+        return command ? runWatched(command) : failure("no command given");
+    });
 }
 
 void trace(const char* command, int status, Deadline::Clock::time_point started) noexcept {

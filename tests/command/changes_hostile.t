@@ -76,3 +76,17 @@ A map with such a name: the plug-in asks for it by number, but puts its name int
   nrmpio: the name m;touch owned would not reach the tools as it is: a shell or a tool reads it differently; rename that device first: dmsetup rename 'm;touch owned' NEWNAME
   ls: cannot access 'owned': No such file or directory
   [2]
+
+Whether the daemon takes fail-if-no-path back is looked at for such a map, too:
+
+  $ cat > odd.toml << 'END'
+  > daemon = true
+  > restore_after = 1
+  > [[lun]]
+  > alias = "m;touch owned"
+  > queue_if_no_path = true
+  > END
+  $ nrmpio-sim --scenario odd.toml -- nrmpio fail-if-no-path --yes /dev/dm-0; ls owned
+  nrmpio: m;touch owned queues I/O again: the daemon's configuration asks for that and has restored it; change no_path_retry there
+  ls: cannot access 'owned': No such file or directory
+  [2]

@@ -65,3 +65,15 @@ A signal that is ignored from the beginning, as nohup has it, interrupts nothing
   $ nrmpio-sim --scenario hang.toml -- bash ignoring 2>&1
   nrmpio: the multipath tools cannot list the maps (code 124): time limit of 500 ms reached: command killed
   status 2
+
+It does not wait for ever for a reader who has stopped reading what it says:
+
+  $ cat > stopped << 'END'
+  > mkfifo pipe; exec 3<> pipe; head -c 65536 /dev/zero >&3
+  > nrmpio --trace list 2>&3 & job=$!
+  > sleep 0.5; kill -TERM $job
+  > (sleep 10; kill -KILL $job) & killer=$!
+  > wait $job; echo "status $?"; kill $killer
+  > END
+  $ nrmpio-sim -- bash stopped 2> /dev/null
+  status 143

@@ -182,3 +182,11 @@ Help and version need no plug-in, and every command's help has an example:
   > done
   Example: nrmpio show
   Example: nrmpio delete --dry-run /dev/mapper/mpatha
+
+A map in the list that has no node is told, not printed as an empty line:
+
+  $ nrmpio-sim -- bash -c 'rm $NRMPIO_SIM_WORLD/dev/mapper/mpatha $NRMPIO_SIM_WORLD/dev/dm-0; nrmpio list' 2>&1
+  nrmpio: the map mpatha has no node in /dev
+  /dev/mapper/mpathb
+  /dev/mapper/mpathc
+  [2]

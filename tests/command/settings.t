@@ -21,6 +21,12 @@ The trace tells on standard error what was run; without it nothing is told:
   dmsetup message -j 253 -m 1 0 "fail_if_no_path"
   multipath -f mpathb
 
+A command that cannot be started is told as well:
+
+  $ nrmpio-sim -- bash -c 'ulimit -n 6; nrmpio --trace list' 2>&1 | durations
+  nrmpio: status 127 after N ms: multipath -d  -v1 -l
+  nrmpio: the multipath tools cannot list the maps (code 127): cannot create a pipe: Too many open files
+
 Both can be had, and do not touch one another; the log has records from 1 on, commands from 3 on, all of them from 6 on:
 
   $ nrmpio --trace --log log paths mpatha 2>&1 >/dev/null | wc -l

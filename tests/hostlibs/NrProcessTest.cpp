@@ -587,22 +587,24 @@ TEST(Runner, WatchSeesDecidesAndMayThrow) {
 
 TEST_P(OnHost, SignalForAllReachesWhatRunsAndNothingElse) {
     EXPECT_EQ(NrProcess::signalAll(SIGTERM), 0);
+    const TemporaryDirectory directory;
+    const std::string started = directory.file("started");
     std::vector<std::thread> threads;
-    std::atomic<int> ended{0};
     for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&ended] {
+        threads.emplace_back([&started] {
             // the shell waits for one that it does not replace itself with
-            EXPECT_EQ(run("sleep 60; true").status, 128 + SIGTERM);
-            ++ended;
+            EXPECT_EQ(run("echo x >> " + started + "; sleep 60; true").status, 128 + SIGTERM);
         });
-    for (int i = 0; ended < 4 && i < 2000; ++i) {
-        NrProcess::signalAll(SIGTERM); // some may not have been started yet
+    for (int i = 0; linesOf(started).size() < 4 && i < 2000; ++i)
+        usleep(5000);
+    int living = 4;
+    for (int i = 0; living != 0 && i < 2000; ++i) {
+        living = NrProcess::signalAll(SIGTERM); // a command may run before its number is known
         usleep(5000);
     }
-    EXPECT_EQ(ended, 4);
+    EXPECT_EQ(living, 0);
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(NrProcess::signalAll(SIGTERM), 0);
 }
 
 struct FixedLevel : CLogWriterInterface {
