@@ -53,6 +53,7 @@ const ColumnInfo& columnNamed(const std::string& name) {
     if (found != columns.end())
         return *found;
     std::vector<std::string> known;
+    known.reserve(columns.size());
     for (const ColumnInfo& column : columns)
         known.emplace_back(column.heading);
     throw UsageError(fmt::format("there is no column {}; the columns are {}", name, fmt::join(known, ", ")));

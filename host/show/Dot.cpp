@@ -45,7 +45,7 @@ public:
 private:
     /** @return Its identifier: not the name, which may be that of several. */
     std::string addNode(const Device& device) {
-        const std::string id = fmt::format("n{}", nodes_++);
+        std::string id = fmt::format("n{}", nodes_++);
         text_ += fmt::format("  {} [label=\"{}\"{}];\n", id, label(device), colorAttribute(device));
         return id;
     }

@@ -190,8 +190,8 @@ std::optional<int> ShellProcess::reap() {
     const auto shellStatus = waitStatus(Descriptor(), pid_);
     const auto status = reportedStatus();
     if (!status || *status < 128) // otherwise the shell's own text only names the signal
-        err.text += watch_.text.substr(0, status ? watch_.text.rfind('\n', watch_.text.size() - 2) + 1
-                                                 : std::string::npos);
+        err.text.append(watch_.text, 0,
+                        status ? watch_.text.rfind('\n', watch_.text.size() - 2) + 1 : std::string::npos);
     return status ? status : shellStatus;
 }
 

@@ -112,7 +112,7 @@ TEST(Equivalence, dependencies_are_found_as_by_searching_for_the_pattern) {
     std::size_t dependencies = 0;
     for (int i = 0; i < 200000; ++i) {
         const std::string listing = texts.next(24);
-        const std::size_t start = texts.pick<std::size_t>({0, 0, 1, 2});
+        const auto start = texts.pick<std::size_t>({0, 0, 1, 2});
         const Dependencies expected = plainWalk(listing, start);
         ASSERT_EQ(expected, walk(listing, start)) << testing::PrintToString(listing) << " from " << start;
         dependencies += expected.size();

@@ -160,7 +160,7 @@ TEST(Rules, lines_and_bounded_commands) {
     EXPECT_EQ(Lines{""}, splitLines(""));
     EXPECT_EQ((Lines{"a", "", "b"}), splitLines("a\n\nb"));
     EXPECT_EQ((Lines{"a", ""}), splitLines("a\n"));
-    for (const std::size_t size : {0, 511, 512})
+    for (const std::size_t size : {0U, 511U, 512U})
         EXPECT_EQ(std::string(std::min<std::size_t>(size, 511), 'x'), bounded(std::string(size, 'x')));
 }
 

@@ -72,7 +72,7 @@ protected:
 
     template <typename... Values>
     void debug(const char* tag, const char* format, Values... values) {
-        EvDebug(nullptr).Debug(tag, format, values...);
+        EvDebug(nullptr).Debug(tag, format, values...); // NOLINT: the format is what is tested
     }
     std::vector<std::string> lines() const { return linesOf(path_); }
 

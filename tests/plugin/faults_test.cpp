@@ -369,7 +369,7 @@ protected:
 
     const Plugin plugin;
     const Transcript good = goodPath(GetParam().entryPoint);
-    const Remains before;
+    const Remains before{};
 };
 
 TEST_P(Faults, break_no_promise) {
